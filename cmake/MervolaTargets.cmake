@@ -1,0 +1,88 @@
+# Helpers that turn the folder layout into targets, so that adding a source
+# or a test file needs no edit of the build files.
+
+set(MERVOLA_AREAS "")
+
+# mervola_area(NAME DEPS ...): static library from src/NAME/*.cpp (not ui/).
+function(mervola_area name)
+  cmake_parse_arguments(A "" "" "DEPS" ${ARGN})
+  file(GLOB srcs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp
+                                   ${PROJECT_SOURCE_DIR}/src/${name}/*/*.cpp)
+  list(FILTER srcs EXCLUDE REGEX "/src/${name}/ui/")
+  file(GLOB hdrs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.h
+                                   ${PROJECT_SOURCE_DIR}/src/${name}/*/*.h)
+  list(FILTER hdrs EXCLUDE REGEX "/src/${name}/ui/")
+  if(NOT srcs)
+    set(srcs ${PROJECT_SOURCE_DIR}/cmake/empty.cpp)
+  endif()
+  add_library(mervola_${name} STATIC ${srcs} ${hdrs})
+  target_include_directories(mervola_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(mervola_${name} PUBLIC ${A_DEPS})
+  target_precompile_headers(mervola_${name} PRIVATE <QString> <QStringList> <QVariant> <vector> <memory>)
+  set(MERVOLA_AREAS ${MERVOLA_AREAS} ${name} PARENT_SCOPE)
+endfunction()
+
+# Widgets library: every src/*/ui/*.cpp plus src/ui/ resources.
+function(mervola_widgets_library)
+  file(GLOB srcs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*/ui/*.cpp
+                                   ${PROJECT_SOURCE_DIR}/src/*/ui/*.h
+                                   ${PROJECT_SOURCE_DIR}/src/*/ui/*.qrc)
+  if(NOT srcs)
+    set(srcs ${PROJECT_SOURCE_DIR}/cmake/empty.cpp)
+  endif()
+  add_library(mervola_widgets STATIC ${srcs})
+  target_include_directories(mervola_widgets PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(mervola_widgets PUBLIC mervola_core Qt6::Widgets Qt6::Svg
+    Qt6::PrintSupport Qt6::Concurrent Qt6::Charts)
+  if(TARGET Qt6::DataVisualization)
+    target_link_libraries(mervola_widgets PUBLIC Qt6::DataVisualization)
+    target_compile_definitions(mervola_widgets PUBLIC MERVOLA_HAVE_DATAVIS=1)
+  endif()
+  target_precompile_headers(mervola_widgets PRIVATE <QtWidgets/QtWidgets>)
+endfunction()
+
+# add_mervola_test(NAME SOURCES ... LIBS ... [NEEDS_GUI])
+function(add_mervola_test name)
+  cmake_parse_arguments(T "NEEDS_GUI" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${T_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/TestSupport.cpp)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE ${T_LIBS} Qt6::Test)
+  target_compile_definitions(${name} PRIVATE
+    MERVOLA_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+    MERVOLA_CLI="$<TARGET_FILE:mervola-cli>"
+    MERVOLA_APP="$<TARGET_FILE_DIR:mervola-cli>/mervola")
+  add_test(NAME ${name} COMMAND ${name})
+  set(env "QT_QPA_PLATFORM=offscreen;ASAN_OPTIONS=detect_leaks=0")
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "${env}" TIMEOUT 600)
+endfunction()
+
+# Every tests/<area>/test_*.cpp is one test linked to that area's library;
+# every tests/<area>/ui/test_*.cpp is a widget test.
+function(mervola_register_tests)
+  foreach(area ${MERVOLA_AREAS})
+    file(GLOB tests CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/${area}/test_*.cpp)
+    foreach(t ${tests})
+      get_filename_component(n ${t} NAME_WE)
+      if(area STREQUAL "platform")
+        add_mervola_test(${area}_${n} SOURCES ${t} LIBS mervola_platform)
+      else()
+        add_mervola_test(${area}_${n} SOURCES ${t} LIBS mervola_${area} mervola_atlas)
+      endif()
+    endforeach()
+    file(GLOB uitests CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/${area}/ui/test_*.cpp)
+    foreach(t ${uitests})
+      get_filename_component(n ${t} NAME_WE)
+      add_mervola_test(${area}_ui_${n} SOURCES ${t} LIBS mervola_widgets NEEDS_GUI)
+    endforeach()
+  endforeach()
+  # Command-line tests run the built executables as a user would.
+  file(GLOB clitests CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/cli/test_*.cpp)
+  foreach(t ${clitests})
+    get_filename_component(n ${t} NAME_WE)
+    add_mervola_test(cli_${n} SOURCES ${t} LIBS mervola_core)
+    add_dependencies(cli_${n} mervola-cli)
+    if(TARGET mervola)
+      add_dependencies(cli_${n} mervola)
+    endif()
+  endforeach()
+endfunction()

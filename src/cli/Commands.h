@@ -1,0 +1,32 @@
+#pragma once
+// Sub-command table of mervola-cli. Each sub-command lives in its own file
+// and registers here; errors go to stderr in Italian with a non-zero exit.
+
+#include <QStringList>
+#include <functional>
+
+namespace mervola::cli {
+
+using CommandFn = std::function<int(const QStringList &args)>;
+
+struct Command {
+    const char *name;
+    const char *usage;  // one line, Italian
+    CommandFn fn;
+};
+
+// All sub-commands, in the order `mervola-cli` lists them.
+const std::vector<Command> &commands();
+int run(const QStringList &arguments);
+
+// Reads "--name value" from args; empty when absent.
+QString option(const QStringList &args, const QString &name);
+bool flag(const QStringList &args, const QString &name);
+// Prints an Italian error on stderr and returns 2.
+int fail(const QString &message);
+
+// Implemented in the sub-command files.
+int cmdSql(const QStringList &args);
+int cmdBuildAtlas(const QStringList &args);
+
+}  // namespace mervola::cli

@@ -1,0 +1,36 @@
+#pragma once
+// The atlas home: the folder with dati/, italia/, originali/, supporto/.
+
+#include <QString>
+
+namespace mervola {
+
+class AtlasHome {
+public:
+    AtlasHome() = default;
+    explicit AtlasHome(QString root);
+
+    // --home value, else $MERVOLA_HOME, else $XDG_DATA_HOME/mervola (~/.local/share/mervola).
+    static AtlasHome locate(const QString &homeArgument = {});
+
+    QString root() const { return m_root; }
+    QString dati() const { return sub(QStringLiteral("dati")); }
+    QString italia() const { return sub(QStringLiteral("italia")); }
+    QString originali() const { return sub(QStringLiteral("originali")); }
+    QString supporto() const { return sub(QStringLiteral("supporto")); }
+    QString referenceDb() const { return dati() + QStringLiteral("/mervola.sqlite"); }
+    QString defaultProject() const { return supporto() + QStringLiteral("/default.rlx"); }
+    QString helpFile() const { return m_root + QStringLiteral("/mervola.html"); }
+    bool exists() const;
+
+private:
+    QString sub(const QString &name) const { return m_root + QLatin1Char('/') + name; }
+    QString m_root;
+};
+
+// The path of `name` inside `dir`, matched case-insensitively against the
+// files present (the old program's file system ignored case). When nothing
+// matches, dir + "/" + name.
+QString resolveCaseInsensitive(const QString &dir, const QString &name);
+
+}  // namespace mervola
