@@ -1,0 +1,328 @@
+#include "project/ProjectFile.h"
+
+#include "platform/Messages.h"
+#include "platform/Profile.h"
+#include "project/PristineSettings.h"
+
+#include <QFileInfo>
+#include <QLocale>
+#include <charconv>
+#include <cmath>
+
+namespace mervola {
+
+namespace {
+
+const QString kRlx = QStringLiteral("RLX");
+
+Error malformed(const QString &detail)
+{
+    return Error{QStringLiteral("File di progetto non valido: %1").arg(detail)};
+}
+
+// "KEY=value" with blanks around the key ignored; nullopt for other lines.
+std::optional<std::pair<QString, QString>> keyValue(const QString &line)
+{
+    const int eq = line.indexOf(QLatin1Char('='));
+    if (eq < 0)
+        return std::nullopt;
+    return std::make_pair(line.left(eq).trimmed(), line.mid(eq + 1).trimmed());
+}
+
+Result<ExtentRect> parseExtent(const QString &value)
+{
+    const QStringList f = splitFields(value);
+    if (f.size() < 4)
+        return Result<ExtentRect>::fail(QStringLiteral("EXTENT incompleto"));
+    double v[4];
+    for (int i = 0; i < 4; ++i) {
+        bool ok = false;
+        v[i] = f.at(i).trimmed().toDouble(&ok);
+        if (!ok || !std::isfinite(v[i]))
+            return Result<ExtentRect>::fail(QStringLiteral("EXTENT non numerico: %1").arg(f.at(i)));
+    }
+    return ExtentRect{v[0], v[1], v[2], v[3]};
+}
+
+// A theme section becomes a file in supporto/: only plain names are accepted.
+bool isPlainName(const QString &name)
+{
+    return !name.trimmed().isEmpty() && !name.contains(QLatin1Char('/')) && !name.contains(QLatin1Char('\\'))
+           && !name.contains(QLatin1String(".."));
+}
+
+QString sectionName(const QString &trimmedLine)
+{
+    const int close = trimmedLine.indexOf(QLatin1Char(']'));
+    return (close < 0 ? trimmedLine.mid(1) : trimmedLine.mid(1, close - 1)).trimmed();
+}
+
+bool labelsShown(const ThemeSettings &s)
+{
+    return s.labelsOn() && s.labelField.compare(QLatin1String("DUMMY"), Qt::CaseInsensitive) != 0;
+}
+
+}  // namespace
+
+bool hasProjectExtension(const QString &path)
+{
+    return QFileInfo(path).suffix().compare(QLatin1String("rlx"), Qt::CaseInsensitive) == 0;
+}
+
+QString formatExtentNumber(double value)
+{
+    char buf[400];
+    const auto r = std::to_chars(buf, buf + sizeof buf, value, std::chars_format::fixed);
+    if (r.ec != std::errc())
+        return QString::number(value, 'g', QLocale::FloatingPointShortest);
+    return QString::fromLatin1(buf, int(r.ptr - buf));
+}
+
+QString formatExtentLine(const ExtentRect &e)
+{
+    return QStringLiteral("EXTENT=")
+           + joinFields({formatExtentNumber(e.xmin), formatExtentNumber(e.ymin), formatExtentNumber(e.xmax),
+                         formatExtentNumber(e.ymax)});
+}
+
+QString settingsNameOfLayer(const QString &layerName)
+{
+    const int paren = layerName.indexOf(QLatin1Char('('));
+    return paren < 0 ? layerName : layerName.left(std::max(0, paren - 1));
+}
+
+Result<ProjectContent> parseProject(const QString &text)
+{
+    ProjectContent p;
+    bool seenRlx = false, inRlx = false;
+    std::optional<QString> extent;
+    for (const QString &raw : splitLines(text)) {
+        const QString line = raw.trimmed();
+        if (line.startsWith(QLatin1Char('['))) {
+            const QString name = sectionName(line);
+            inRlx = name.compare(kRlx, Qt::CaseInsensitive) == 0;
+            if (inRlx) {
+                seenRlx = true;
+                continue;
+            }
+            if (!isPlainName(name))
+                return malformed(QStringLiteral("nome di tema non valido %1").arg(name));
+            p.themes.append({name, {raw}});
+            continue;
+        }
+        if (inRlx) {
+            if (auto kv = keyValue(line)) {
+                if (kv->first.compare(QLatin1String("DBFCOMMONT"), Qt::CaseInsensitive) == 0)
+                    p.dbfCommont = splitFields(kv->second).value(0);
+                else if (kv->first.compare(QLatin1String("EXTENT"), Qt::CaseInsensitive) == 0)
+                    extent = kv->second;
+            }
+        } else if (!p.themes.isEmpty()) {
+            p.themes.last().lines << raw;
+        } else if (!line.isEmpty()) {
+            return malformed(QStringLiteral("testo fuori sezione"));
+        }
+    }
+    if (!seenRlx)
+        return malformed(QStringLiteral("sezione [RLX] mancante"));
+    if (!extent)
+        return malformed(QStringLiteral("EXTENT mancante"));
+    auto e = parseExtent(*extent);
+    if (!e)
+        return malformed(e.errorMessage());
+    p.extent = *e;
+    return p;
+}
+
+ProjectFiles::ProjectFiles(AtlasHome home, MapHost &map) : m_home(std::move(home)), m_map(map), m_db(m_home) {}
+
+Result<QStringList> ProjectFiles::projectLines(const QString &dbfCommont) const
+{
+    QStringList out;
+    out << QStringLiteral("[RLX]");
+    out << QStringLiteral("DBFCOMMONT=") + dbfCommont + QLatin1Char('^');
+    out << formatExtentLine(m_map.extent());
+    for (int i = m_map.layerCount() - 1; i >= 0; --i) {
+        const QString name = settingsNameOfLayer(m_map.layerName(i));
+        auto text = readTextFile(resolveCaseInsensitive(m_home.supporto(), name + QStringLiteral(".ini")));
+        if (!text)
+            return text.error();
+        out << splitLines(*text);
+    }
+    return out;
+}
+
+Status ProjectFiles::save(const QString &path, const QString &dbfCommont)
+{
+    if (!hasProjectExtension(path)) {
+        showMessage(MsgStyle::Exclamation, ProjectText::kBadExtension);
+        return Status::fail(ProjectText::kBadExtension);
+    }
+    auto lines = projectLines(dbfCommont);
+    if (!lines)
+        return lines.error();
+    return writeLinesReplacing(path, *lines);
+}
+
+Status ProjectFiles::open(const QString &path)
+{
+    if (!hasProjectExtension(path)) {
+        showMessage(MsgStyle::Exclamation, ProjectText::kBadExtension);
+        return Status::fail(ProjectText::kBadExtension);
+    }
+    Status st = openSteps(path);
+    if (st)
+        return st;
+    showMessage(MsgStyle::Critical, ProjectText::kOpenFailed);
+    // The initial project: pristine settings and the default project's themes.
+    m_map.removeAllLayers();
+    if (auto r = restorePristine(); !r)
+        return r;
+    if (auto r = restoreDefault(); !r)
+        return r;
+    return st;
+}
+
+Status ProjectFiles::openSteps(const QString &path)
+{
+    // The whole file is read and checked before the map is touched.
+    auto text = readTextFile(path);
+    if (!text)
+        return text.error();
+    auto content = parseProject(*text);
+    if (!content)
+        return content.error();
+
+    m_map.removeAllLayers();
+    if (auto st = clearJoinBookkeeping(); !st)
+        return st;
+    if (auto st = restorePristine(); !st)
+        return st;
+
+    QStringList names;
+    for (const ProjectContent::Section &s : content->themes) {
+        const QString ini = resolveCaseInsensitive(m_home.supporto(), s.name + QStringLiteral(".ini"));
+        if (auto st = writeLinesReplacing(ini, s.lines); !st)
+            return st;
+        names << s.name;
+    }
+
+    m_map.setExtent(content->extent);
+
+    const QString dbf = content->dbfCommont;
+    if (!dbf.isEmpty()) {
+        // A per-region table ends with its two-digit region code.
+        const QString tail = dbf.right(2);
+        const bool perRegion = !dbf.endsWith(QLatin1Char('S'), Qt::CaseInsensitive) && tail.size() == 2
+                               && tail.at(0).isDigit() && tail.at(1).isDigit();
+        (void)restoreCommunity(dbf, perRegion ? QStringLiteral("CMONT_") + tail : QStringLiteral("COMMONT"));
+    }
+    m_session.regionCode = QStringLiteral("00");
+
+    const bool isDefault = path.endsWith(QLatin1String("default.rlx"), Qt::CaseInsensitive);
+    if (auto st = loadThemes(names, isDefault); !st)
+        return st;
+    m_map.setExtent(content->extent);
+    m_map.refresh();
+    m_map.setCaption(ProjectText::kCaptionPrefix + QFileInfo(QFileInfo(path).absoluteFilePath()).completeBaseName());
+    return {};
+}
+
+Status ProjectFiles::restoreDefault()
+{
+    const QString path = m_home.defaultProject();
+    auto text = readTextFile(path);
+    if (!text)
+        return text.error();
+    QStringList names;
+    for (const QString &raw : splitLines(*text)) {
+        const QString line = raw.trimmed();
+        if (line.contains(QLatin1String("[RLX]"), Qt::CaseInsensitive) || !line.contains(QLatin1Char('[')))
+            continue;
+        const QString name = sectionName(line);
+        if (!isPlainName(name))
+            return malformed(QStringLiteral("nome di tema non valido %1").arg(name));
+        names << name;
+    }
+    m_session.regionCode = QStringLiteral("00");
+
+    const ProfileFile profile = ProfileFile::fromText(*text);
+    const QString dbf = splitFields(profile.read(kRlx, QStringLiteral("DBFCOMMONT"))).value(0).trimmed();
+    auto extent = parseExtent(profile.read(kRlx, QStringLiteral("EXTENT")));
+    if (!extent)
+        return malformed(extent.errorMessage());
+    m_map.setExtent(*extent);
+    if (!dbf.isEmpty())
+        (void)restoreCommunity(dbf, QStringLiteral("commont"));
+
+    if (auto st = loadThemes(names, true); !st)
+        return st;
+    m_map.setExtent(*extent);
+    m_map.refresh();
+    return {};
+}
+
+Status ProjectFiles::clearJoinBookkeeping() const
+{
+    if (auto rows = m_db.query(QStringLiteral("Select * from CAMPIJOIN ")); !rows)
+        return rows.error();
+    return m_db.executeAll({QStringLiteral("DELETE * FROM CAMPIJOIN"), QStringLiteral("DELETE * FROM LISTAJOIN"),
+                            QStringLiteral("DELETE * FROM STRUCTJOIN")});
+}
+
+Status ProjectFiles::restorePristine() const
+{
+    if (auto st = restoreAllThemeTables(m_home); !st)
+        return st;
+    return copyPristineSettings(m_home);
+}
+
+Status ProjectFiles::restoreCommunity(const QString &stored, const QString &target)
+{
+    const Status st = m_hooks.restoreCommunityTable ? m_hooks.restoreCommunityTable(stored, target)
+                                                    : restoreCommunityTable(m_home, stored, target);
+    if (!st)
+        showMessage(MsgStyle::Critical, ProjectText::kCommunityRestoreFailed);
+    return st;
+}
+
+Status ProjectFiles::loadThemes(const QStringList &names, bool defaultProject)
+{
+    const ThemeLoadOptions options{m_home.root(), defaultProject};
+    struct Shown {
+        QString layer;
+        bool labels;
+        QString field;
+    };
+    QList<Shown> shown;
+    for (const QString &name : names) {
+        auto theme = loadThemeFile(resolveCaseInsensitive(m_home.supporto(), name + QStringLiteral(".ini")), name,
+                                   options);
+        if (!theme)
+            return theme.error();
+        const ThemeSettings &s = theme->settings;
+        if (s.join.isSet() && m_hooks.rejoin) {
+            if (auto st = m_hooks.rejoin(*theme); !st)
+                return st;
+        }
+        if (theme->shapefilePath.isEmpty() || !QFileInfo(theme->shapefilePath).isFile())
+            return Status::fail(QStringLiteral("Shapefile non trovato: %1").arg(s.shapefile));
+        const QString layer = s.layerName.isEmpty() ? name : s.layerName;
+        if (auto st = m_map.addLayer(theme->shapefilePath, layer); !st)
+            return st;
+        m_map.applySettings(layer, s);
+        if (theme->regionCode)
+            m_session.regionCode = *theme->regionCode;
+        if (theme->indicator) {
+            m_session.indicator = theme->indicator;
+            m_session.indicatorSet = true;
+        }
+        shown.append({layer, labelsShown(s), s.labelField});
+    }
+    m_map.refreshLegend();
+    for (const Shown &s : shown)
+        m_map.setLabels(s.layer, s.labels, s.labels ? s.field : QString());
+    return {};
+}
+
+}  // namespace mervola

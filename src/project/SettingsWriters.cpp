@@ -1,0 +1,166 @@
+#include "project/SettingsWriters.h"
+
+#include "platform/AtlasHome.h"
+#include "platform/SqlText.h"
+#include "project/ReferenceDb.h"
+
+#include <QDir>
+
+namespace mervola {
+
+namespace {
+
+const QString kNoJoin = QStringLiteral("-1^-1^-1^-1^-1^-1^");
+
+QString line(ThemeKey key, const QString &value) { return themeKeyName(key) + QLatin1Char('=') + value; }
+
+QString flag(bool on) { return on ? QStringLiteral("1") : QStringLiteral("0"); }
+
+// Copies a key from the old file when it was present there.
+void copyIfPresent(QStringList &out, const ThemeSettings &old, ThemeKey key)
+{
+    if (old.has(key))
+        out << line(key, old.rawValue(key));
+}
+
+}  // namespace
+
+QStringList newThemeFileLines(const LayerState &layer, const std::optional<JoinFields> &join,
+                              const std::optional<QStringList> &structJoin)
+{
+    QStringList out;
+    out << QLatin1Char('[') + layer.name + QLatin1Char(']');
+    out << line(ThemeKey::Join, join ? join->format() : kNoJoin);
+    const bool hasStruct = structJoin && !structJoin->isEmpty();
+    // The join and new-theme writers put a blank before "=" on this key.
+    out << QStringLiteral("STRUCTJOIN =") + (hasStruct ? joinFields(*structJoin) : QStringLiteral("*^"));
+    out << line(ThemeKey::Workspace, layer.folder);
+    out << line(ThemeKey::Base, layer.baseName + QStringLiteral(".shp^") + layer.name + QLatin1Char('^'));
+    out << QStringLiteral("LABEL=*");
+    out << line(ThemeKey::Simbolo, layer.symbol.format());
+    out << QStringLiteral("TIPOCLASSIFICAZIONE=0");
+    out << QStringLiteral("CAMPO=0^0^0^0^");
+    out << QStringLiteral("CLASSIFICAZIONE=0");
+    out << line(ThemeKey::Outline, flag(layer.outline));
+    out << line(ThemeKey::Visibile, flag(layer.visible));
+    return out;
+}
+
+Status writeNewThemeFile(const QString &iniPath, const LayerState &layer, const std::optional<JoinFields> &join,
+                         const std::optional<QStringList> &structJoin)
+{
+    return writeLinesReplacing(iniPath, newThemeFileLines(layer, join, structJoin));
+}
+
+Result<QStringList> afterJoinLines(const ThemeSettings &old, const LayerState &layer, const QString &shapefile,
+                                   const QStringList &addedFields, const ReferenceDb &db)
+{
+    auto rows = db.query(QStringLiteral("Select * from ListaJoin where shpCollegato = ") + sqlQuote(shapefile));
+    if (!rows)
+        return rows.error();
+    QString join = kNoJoin;
+    if (!rows->empty()) {
+        QStringList f;
+        for (const char *col : {"PATHDB", "NOMEDB", "NOMETABELLA", "CAMPOJOININT", "CAMPOJOINEXT", "SHPCOLLEGATO"})
+            f << rows->value(0, QString::fromLatin1(col)).toString();
+        join = joinFields(f);
+    }
+
+    QStringList out;
+    out << QLatin1Char('[') + layer.name.toUpper() + QLatin1Char(']');
+    out << line(ThemeKey::Join, join);
+    out << QStringLiteral("STRUCTJOIN =") + joinFields(addedFields);
+    copyIfPresent(out, old, ThemeKey::Workspace);
+    copyIfPresent(out, old, ThemeKey::Base);
+    copyIfPresent(out, old, ThemeKey::Simbolo);
+    out << (layer.labelsOn ? line(ThemeKey::Label, layer.labelField) : QStringLiteral("LABEL=*"));
+    // The joined table's fields changed, so a classification no longer holds.
+    if (old.has(ThemeKey::TipoClassificazione))
+        out << QStringLiteral("TIPOCLASSIFICAZIONE=0");
+    copyIfPresent(out, old, ThemeKey::Campo);
+    if (old.has(ThemeKey::Classificazione))
+        out << QStringLiteral("CLASSIFICAZIONE=0");
+    copyIfPresent(out, old, ThemeKey::Outline);
+    out << line(ThemeKey::Visibile, flag(layer.visible));
+    return out;
+}
+
+Status rewriteAfterJoin(const QString &iniPath, const LayerState &layer, const QString &shapefile,
+                        const QStringList &addedFields, const ReferenceDb &db)
+{
+    const ThemeSettings old = readThemeSettingsFile(iniPath, layer.name);
+    auto lines = afterJoinLines(old, layer, shapefile, addedFields, db);
+    if (!lines)
+        return lines.error();
+    return writeLinesReplacing(iniPath, *lines);
+}
+
+QStringList resetLines(const ThemeSettings &old, const QString &themeName, bool visible)
+{
+    QStringList out;
+    out << QLatin1Char('[') + themeName.toUpper() + QLatin1Char(']');
+    copyIfPresent(out, old, ThemeKey::Join);
+    // A one-character STRUCTJOIN is not a list of fields and is dropped.
+    if (old.has(ThemeKey::StructJoin) && old.rawValue(ThemeKey::StructJoin).size() != 1)
+        out << line(ThemeKey::StructJoin, old.rawValue(ThemeKey::StructJoin));
+    copyIfPresent(out, old, ThemeKey::Workspace);
+    copyIfPresent(out, old, ThemeKey::Base);
+    const QString symbol = defaultSymbolValue(themeName);
+    if (!symbol.isEmpty())
+        out << line(ThemeKey::Simbolo, symbol);
+    out << QStringLiteral("LABEL=*");
+    out << QStringLiteral("TIPOCLASSIFICAZIONE=0");
+    out << QStringLiteral("CAMPO=0^0^0^0^");
+    out << QStringLiteral("CLASSIFICAZIONE=0");
+    out << QStringLiteral("OUTLINE=1");
+    out << line(ThemeKey::Visibile, flag(visible));
+    return out;
+}
+
+Status resetThemeFile(const QString &iniPath, const QString &themeName, bool visible)
+{
+    return writeLinesReplacing(iniPath, resetLines(readThemeSettingsFile(iniPath, themeName), themeName, visible));
+}
+
+Result<LoadedTheme> loadThemeFile(const QString &iniPath, const QString &themeName, const ThemeLoadOptions &options)
+{
+    LoadedTheme t;
+    t.settings = readThemeSettingsFile(iniPath, themeName);
+    ThemeSettings &s = t.settings;
+    if (options.defaultProject) {
+        // The default project always draws from the atlas home's own data.
+        s.raw[size_t(ThemeKey::Workspace)] = options.home + QStringLiteral("/italia");
+        s.workspace = *s.raw[size_t(ThemeKey::Workspace)];
+    }
+
+    QStringList out;
+    out << QLatin1Char('[') + themeName + QLatin1Char(']');
+    for (ThemeKey key : themeKeys()) {
+        if (!s.has(key))
+            continue;
+        if (key == ThemeKey::Label && s.rawValue(key).size() == 1)
+            out << QStringLiteral("LABEL=*");
+        else
+            out << line(key, s.rawValue(key));
+    }
+    if (auto st = writeLinesReplacing(iniPath, out); !st)
+        return st.error();
+
+    if (!s.shapefile.isEmpty()) {
+        QString folder = s.workspace;
+        folder.replace(QLatin1Char('\\'), QLatin1Char('/'));
+        t.shapefilePath = resolveCaseInsensitive(QDir::cleanPath(folder), s.shapefile);
+    }
+
+    const QString layer = s.layerName;
+    if (layer.startsWith(QLatin1String("cmon"), Qt::CaseInsensitive)
+        || layer.startsWith(QLatin1String("comu_"), Qt::CaseInsensitive))
+        t.regionCode = layer.right(2);
+
+    const QString upper = themeName.toUpper();
+    if (s.has(ThemeKey::Campo) && (upper.startsWith(QLatin1String("CMON")) || upper == QLatin1String("COMMONT")))
+        t.indicator = s.campo.field.startsWith(QLatin1Char('_')) ? s.campo.field : QStringLiteral("I000");
+    return t;
+}
+
+}  // namespace mervola

@@ -1,0 +1,68 @@
+#pragma once
+// The routines that write a theme settings file. Each builds the complete
+// list of lines, writes "<name>.new", deletes the ".ini" and renames the new
+// file into place; values a routine does not set are copied from the old file.
+
+#include "platform/Result.h"
+#include "project/ThemeSettings.h"
+
+#include <QStringList>
+#include <optional>
+
+namespace mervola {
+
+class ReferenceDb;
+
+// What the writers need to know about a theme's map layer.
+struct LayerState {
+    QString name;      // the layer's name as the map carries it
+    QString folder;    // folder of the shapefile, written as WORKSPACE ("/" separators)
+    QString baseName;  // shapefile name without ".shp"
+    SymbolFields symbol;  // SymbolType, Size, Style, Color, OutlineColor
+    bool outline = true;
+    bool visible = false;
+    bool labelsOn = false;
+    QString labelField;
+};
+
+// Lines of a new theme file for a layer just added to the map. The stored
+// join and joined fields are written when the caller has them.
+QStringList newThemeFileLines(const LayerState &layer, const std::optional<JoinFields> &join = std::nullopt,
+                              const std::optional<QStringList> &structJoin = std::nullopt);
+Status writeNewThemeFile(const QString &iniPath, const LayerState &layer,
+                         const std::optional<JoinFields> &join = std::nullopt,
+                         const std::optional<QStringList> &structJoin = std::nullopt);
+
+// Rewrites a theme's file after a join: JOIN from the LISTAJOIN row of
+// `shapefile` (every field "-1" when there is none), STRUCTJOIN from the
+// fields the join added, the classification reset because the table changed.
+// Nothing is written when the reference database cannot be read.
+Result<QStringList> afterJoinLines(const ThemeSettings &old, const LayerState &layer, const QString &shapefile,
+                                   const QStringList &addedFields, const ReferenceDb &db);
+Status rewriteAfterJoin(const QString &iniPath, const LayerState &layer, const QString &shapefile,
+                        const QStringList &addedFields, const ReferenceDb &db);
+
+// Resets a theme to the defaults of its name prefix, keeping JOIN, WORKSPACE,
+// BASE and (unless it is a single character) STRUCTJOIN.
+QStringList resetLines(const ThemeSettings &old, const QString &themeName, bool visible);
+Status resetThemeFile(const QString &iniPath, const QString &themeName, bool visible);
+
+struct ThemeLoadOptions {
+    QString home;                 // the atlas home
+    bool defaultProject = false;  // WORKSPACE is then home + "/italia"
+};
+
+// A theme read for display, with what it changes in the process-wide state.
+struct LoadedTheme {
+    ThemeSettings settings;
+    QString shapefilePath;               // WORKSPACE + "/" + shapefile, resolved without case
+    std::optional<QString> regionCode;   // set by cmon*/comu_* layer names
+    std::optional<QString> indicator;    // set by a mountain-community theme's CAMPO
+};
+
+// Loads a theme from its file: reads the keys in file order and writes the
+// normalised copy (every key present, in the standard order) in its place.
+// The caller adds the layer and applies the returned settings to it.
+Result<LoadedTheme> loadThemeFile(const QString &iniPath, const QString &themeName, const ThemeLoadOptions &options);
+
+}  // namespace mervola
