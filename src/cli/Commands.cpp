@@ -10,6 +10,7 @@ const std::vector<Command> &commands()
     static const std::vector<Command> list = {
         {"build-atlas", "build-atlas --sources DIR --home DIR | build-atlas --demo --home DIR", cmdBuildAtlas},
         {"sql", "sql (--folder DIR | --home DIR) \"ISTRUZIONE\"", cmdSql},
+        {"render", "render --home DIR [--project FILE] [--size LxA] --out FILE.png", cmdRender},
     };
     return list;
 }

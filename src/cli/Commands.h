@@ -28,5 +28,6 @@ int fail(const QString &message);
 // Implemented in the sub-command files.
 int cmdSql(const QStringList &args);
 int cmdBuildAtlas(const QStringList &args);
+int cmdRender(const QStringList &args);
 
 }  // namespace mervola::cli

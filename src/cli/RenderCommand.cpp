@@ -1,0 +1,123 @@
+#include "cli/RenderCommand.h"
+
+#include "cli/Commands.h"
+#include "platform/map/MapRenderer.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSaveFile>
+
+namespace mervola::cli {
+
+namespace {
+
+constexpr std::int32_t kComuniFill = 16776960;
+constexpr std::int32_t kCommontFill = 56320;
+constexpr std::int32_t kBlack = 0x02000000;
+
+ProjectLoader &projectLoader()
+{
+    static ProjectLoader loader;
+    return loader;
+}
+
+map::Symbol fillSymbol(std::int32_t fill, bool transparent = false)
+{
+    map::Symbol s;
+    s.symbolType = map::SymbolType::Fill;
+    s.color = fill;
+    s.outlineColor = kBlack;
+    s.style = transparent ? 1 : 0;
+    return s;
+}
+
+QSize parseSize(const QString &text)
+{
+    static const QRegularExpression re(QStringLiteral(R"(^(\d{1,5})[xX](\d{1,5})$)"));
+    const auto m = re.match(text);
+    if (!m.hasMatch())
+        return {};
+    const QSize s(m.captured(1).toInt(), m.captured(2).toInt());
+    return s.width() > 0 && s.height() > 0 && s.width() <= 20000 && s.height() <= 20000 ? s : QSize();
+}
+
+}  // namespace
+
+void setProjectLoader(ProjectLoader loader) { projectLoader() = std::move(loader); }
+
+Status loadDefaultAtlas(const AtlasHome &home, map::MapModel &model)
+{
+    struct Theme {
+        const char *name;
+        std::int32_t fill;
+        bool transparent;
+    };
+    // Added bottom first: each new layer goes on top.
+    const Theme themes[] = {{"comuni", kComuniFill, false}, {"commont", kCommontFill, false}, {"regioni", 0, true}};
+    for (const Theme &t : themes) {
+        const QString name = QString::fromLatin1(t.name);
+        const QString path = resolveCaseInsensitive(home.italia(), name + QStringLiteral(".shp"));
+        if (!QFileInfo::exists(path))
+            continue;
+        auto layer = model.addShapefile(path, name);
+        if (!layer)
+            return layer.error();
+        (*layer)->renderer = map::SimpleRenderer{fillSymbol(t.fill, t.transparent)};
+    }
+    if (model.layerCount() == 0)
+        return Status::fail(QStringLiteral("Nessun tema trovato in %1").arg(home.italia()));
+    model.setExtent(model.fullExtent());
+    return {};
+}
+
+Status writePicture(const QImage &image, const QString &path)
+{
+    const QString ext = QFileInfo(path).suffix().toLower();
+    const char *format = ext == QLatin1String("png")                                 ? "PNG"
+                         : ext == QLatin1String("bmp")                               ? "BMP"
+                         : ext == QLatin1String("jpg") || ext == QLatin1String("jpeg") ? "JPG"
+                                                                                     : nullptr;
+    if (!format)
+        return Status::fail(QStringLiteral("Formato di immagine non supportato: %1").arg(ext));
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return Status::fail(QStringLiteral("Impossibile scrivere il file %1").arg(path));
+    const QImage out = ext == QLatin1String("png") ? image : image.convertToFormat(QImage::Format_RGB32);
+    if (!out.save(&file, format) || !file.commit())
+        return Status::fail(QStringLiteral("Impossibile scrivere il file %1").arg(path));
+    return {};
+}
+
+int cmdRender(const QStringList &args)
+{
+    const QString out = option(args, QStringLiteral("--out"));
+    if (out.isEmpty())
+        return fail(QStringLiteral("manca --out FILE"));
+    QSize size(1600, 1200);
+    if (const QString s = option(args, QStringLiteral("--size")); !s.isEmpty()) {
+        size = parseSize(s);
+        if (!size.isValid())
+            return fail(QStringLiteral("dimensione non valida: %1 (atteso LARGHEZZAxALTEZZA)").arg(s));
+    }
+    const AtlasHome home = AtlasHome::locate(option(args, QStringLiteral("--home")));
+    map::MapModel model;
+    const QString project = option(args, QStringLiteral("--project"));
+    Status loaded;
+    if (project.isEmpty())
+        loaded = loadDefaultAtlas(home, model);
+    else if (projectLoader())
+        loaded = projectLoader()(project, home, model);
+    else
+        loaded = Status::fail(QStringLiteral("lettura del progetto non disponibile"));
+    if (!loaded)
+        return fail(loaded.errorMessage());
+
+    const QImage image = map::MapRenderer::renderImage(model, model.extent(), size);
+    if (image.isNull())
+        return fail(QStringLiteral("immagine troppo grande"));
+    if (Status s = writePicture(image, out); !s)
+        return fail(s.errorMessage());
+    return 0;
+}
+
+}  // namespace mervola::cli
