@@ -1,0 +1,61 @@
+#pragma once
+// Classification methods. One small class per method behind a common base:
+// the base's classes() does the shared work (question gates, counts per
+// class, labels, colours) and a method only writes calculateBreaks(). The
+// registry is keyed by the keyword saved under TIPOCLASSIFICAZIONE.
+
+#include "classify/ClassRange.h"
+#include "classify/FieldColumn.h"
+
+#include <memory>
+#include <vector>
+
+namespace mervola::classify {
+
+enum class ClassifyStatus {
+    Done,      // classes computed
+    NoData,    // nothing to classify (no numeric value, no record); silent
+    Refused,   // 500 or more classes or values: refusal shown
+    Declined,  // the user answered "No" to the 50 question
+};
+
+struct ClassifyOutcome {
+    ClassifyStatus status = ClassifyStatus::NoData;
+    Classification classification;
+    bool ok() const { return status == ClassifyStatus::Done; }
+};
+
+// Whether the size gates ask the user (false when a saved classification is
+// rebuilt while a theme or project loads).
+enum class Questions { Ask, Silent };
+
+class ClassificationMethod {
+public:
+    virtual ~ClassificationMethod() = default;
+    // Stable id: the TIPOCLASSIFICAZIONE keyword.
+    virtual QString id() const = 0;
+
+    // Computes the classes of `column`, coloured with ramp `rampIndex`.
+    ClassifyOutcome classes(const FieldColumn &column, int classCount, int rampIndex,
+                            Questions questions = Questions::Ask) const;
+
+protected:
+    struct Breaks {
+        ClassifyStatus status = ClassifyStatus::Done;
+        std::vector<ClassRange> ranges;  // lower, upper and valueText filled
+    };
+
+private:
+    virtual Breaks calculateBreaks(const FieldColumn &column, int classCount, Questions questions) const = 0;
+};
+
+// The method for a keyword; nullptr for PERSONALI, VR or unknown words (they
+// are not computed from the data).
+const ClassificationMethod *methodById(const QString &id);
+
+// Counts the elements per class: a value falls in the first class whose
+// upper limit is not below it (class 1 also starts at its lower limit);
+// unique-value classes count equal values.
+void countElements(const FieldColumn &column, std::vector<ClassRange> &classes, bool uniqueValues);
+
+}  // namespace mervola::classify
