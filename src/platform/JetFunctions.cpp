@@ -1,6 +1,8 @@
 #include "platform/JetFunctions.h"
 
+#include <QRegularExpression>
 #include <QString>
+#include <algorithm>
 #include <cmath>
 #include <sqlite3.h>
 
@@ -113,17 +115,41 @@ void nzFn(sqlite3_context *c, int n, sqlite3_value **a)
         sqlite3_result_int(c, 0);
 }
 
-// Val reads the leading number of a text, as Jet does ("12abc" -> 12).
+// Val reads the leading number of a text as Jet does: blanks anywhere are
+// ignored, one decimal point, an optional exponent ("12abc" -> 12,
+// " 1 615 rue" -> 1615, "1.2.3" -> 1.2, "2e3x" -> 2000).
 void valFn(sqlite3_context *c, int n, sqlite3_value **a)
 {
     if (anyNull(n, a))
         return sqlite3_result_null(c);
-    QString s = textArg(a[0]).trimmed();
+    QString s = textArg(a[0]);
+    s.remove(QRegularExpression(QStringLiteral("\\s")));
     int end = 0;
-    while (end < s.size() && (s[end].isDigit() || s[end] == QLatin1Char('.')
-                              || (end == 0 && (s[end] == QLatin1Char('-') || s[end] == QLatin1Char('+')))))
+    const auto digits = [&] {
+        const int start = end;
+        while (end < s.size() && s[end].isDigit())
+            ++end;
+        return end > start;
+    };
+    if (end < s.size() && (s[end] == QLatin1Char('-') || s[end] == QLatin1Char('+')))
         ++end;
-    sqlite3_result_double(c, s.left(end).toDouble());
+    digits();
+    if (end < s.size() && s[end] == QLatin1Char('.')) {
+        ++end;
+        digits();
+    }
+    if (end + 1 < s.size() && QStringLiteral("eEdD").contains(s[end])) {
+        int e = end + 1;
+        if (s[e] == QLatin1Char('-') || s[e] == QLatin1Char('+'))
+            ++e;
+        if (e < s.size() && s[e].isDigit()) {
+            end = e;
+            digits();
+        }
+    }
+    QString number = s.left(end);
+    number.replace(QLatin1Char('d'), QLatin1Char('e')).replace(QLatin1Char('D'), QLatin1Char('e'));
+    sqlite3_result_double(c, number.toDouble());
 }
 
 void cstrFn(sqlite3_context *c, int n, sqlite3_value **a)
