@@ -29,5 +29,6 @@ int fail(const QString &message);
 int cmdSql(const QStringList &args);
 int cmdBuildAtlas(const QStringList &args);
 int cmdRender(const QStringList &args);
+int cmdClassify(const QStringList &args);
 
 }  // namespace mervola::cli
