@@ -2,6 +2,7 @@
 
 #include "platform/JetFunctions.h"
 #include "platform/SqlText.h"
+#include "platform/dbf/DbfSql.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -42,6 +43,11 @@ CREATE VIEW qrySelezioneIndicatoriFonti AS
 
 }  // namespace
 
+QString ReferenceDb::toSqlite(const QString &jetSql)
+{
+    return dbfsql::bracketNumericTableNames(translateJetSql(jetSql));
+}
+
 Status ReferenceDb::createSchema(const QString &path)
 {
     if (QFileInfo::exists(path) && !QFile::remove(path))
@@ -67,15 +73,20 @@ Result<RowSet> ReferenceDb::query(const QString &jetSql) const
     auto db = open();
     if (!db)
         return db.error();
-    return db->query(translateJetSql(jetSql));
+    return db->query(toSqlite(jetSql));
 }
 
-Status ReferenceDb::execute(const QString &jetSql) const
+Result<int> ReferenceDb::run(const QString &jetSql) const
 {
     auto db = open();
     if (!db)
         return db.error();
-    auto r = db->run(translateJetSql(jetSql));
+    return db->run(toSqlite(jetSql));
+}
+
+Status ReferenceDb::execute(const QString &jetSql) const
+{
+    auto r = run(jetSql);
     if (!r)
         return r.error();
     return {};
@@ -89,7 +100,7 @@ Status ReferenceDb::executeAll(const QStringList &jetStatements) const
     if (auto s = db->begin(); !s)
         return s;
     for (const QString &sql : jetStatements) {
-        auto r = db->run(translateJetSql(sql));
+        auto r = db->run(toSqlite(sql));
         if (!r) {
             (void)db->rollback();
             return r.error();

@@ -23,8 +23,14 @@ public:
     // Opens, runs one Jet statement, closes.
     Result<RowSet> query(const QString &jetSql) const;
     Status execute(const QString &jetSql) const;
+    // Opens, runs one Jet statement, closes; returns the number of changed rows.
+    Result<int> run(const QString &jetSql) const;
     // Opens, runs several statements in one transaction, closes. Rolls back on failure.
     Status executeAll(const QStringList &jetStatements) const;
+
+    // The SQLite text of a Jet statement: Jet-only syntax rewritten and table
+    // names that begin with a digit (the category tables "01" ...) bracketed.
+    static QString toSqlite(const QString &jetSql);
 
     // Opens a connection for a caller that runs many statements (the atlas builder).
     Result<SqliteDb> open(SqliteDb::Mode mode = SqliteDb::Mode::ReadWrite) const;
