@@ -66,26 +66,41 @@ GeometryPtr toOgr(const MultiPolygon &shape)
     return mp;
 }
 
+namespace {
+
+// Adds the polygons of g to out; a polygon that GEOS finds invalid (a
+// simplified source outline crossing itself) is repaired first.
+void addPolygons(const OGRGeometry *g, OGRMultiPolygon &out, bool repair)
+{
+    const OGRwkbGeometryType t = wkbFlatten(g->getGeometryType());
+    if (t == wkbPolygon) {
+        if (repair && !g->IsValid()) {
+            if (GeometryPtr fixed{g->MakeValid()}; fixed && !fixed->IsEmpty()) {
+                addPolygons(fixed.get(), out, false);
+                return;
+            }
+        }
+        out.addGeometry(g);
+    } else if (t == wkbMultiPolygon || t == wkbGeometryCollection) {
+        for (const OGRGeometry *part : *g->toGeometryCollection())
+            addPolygons(part, out, repair);
+    }
+}
+
+}  // namespace
+
 GeometryPtr dissolve(const std::vector<const OGRGeometry *> &members)
 {
     OGRMultiPolygon all;
-    for (const OGRGeometry *g : members) {
-        if (!g)
-            continue;
-        const OGRwkbGeometryType t = wkbFlatten(g->getGeometryType());
-        if (t == wkbPolygon) {
-            all.addGeometry(g);
-        } else if (t == wkbMultiPolygon) {
-            for (const OGRPolygon *p : *g->toMultiPolygon())
-                all.addGeometry(p);
-        }
-    }
+    for (const OGRGeometry *g : members)
+        if (g)
+            addPolygons(g, all, true);
     if (all.IsEmpty())
         return nullptr;
     GeometryPtr merged(all.UnionCascaded());
     if (merged && !merged->IsEmpty())
         return merged;
-    // GEOS refused (invalid input): keep the members' outlines undissolved.
+    // GEOS refused: keep the members' outlines undissolved.
     return GeometryPtr(all.clone());
 }
 
