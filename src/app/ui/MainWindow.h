@@ -1,0 +1,103 @@
+#pragma once
+// frmMain: the map with its legend, the cool-bar with the toolbar, the
+// region box and the scale box, and the status bar with the cursor position.
+
+#include "app/AppState.h"
+#include "app/MapModelHost.h"
+#include "app/Stack.h"
+#include "platform/AtlasHome.h"
+
+#include <QHash>
+#include <QMainWindow>
+
+class QAction;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QTimer;
+class QToolBar;
+
+namespace mervola {
+
+class LegendView;
+class MapWidget;
+class ProjectFiles;
+
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    MainWindow(AtlasHome home, AppState &state, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    // The load sequence of start-up (after the single-instance check).
+    // Returns false when the program cannot go on.
+    bool load();
+
+    // Runs the command of a toolbar key; unknown keys do nothing.
+    void dispatch(const QString &key);
+    QAction *action(const QString &key) const { return m_actions.value(key); }
+    // Command groups: 0/1 disable/enable the theme commands, 2/3 the project commands.
+    void setCommandGroup(int mode);
+
+    MapWidget *mapWidget() const { return m_map; }
+    LegendView *legend() const { return m_legend; }
+    Stack &history() { return m_history; }
+    QString scaleText() const;
+    void refreshLegend();
+
+    // Saves the project through the save dialog; false when not saved.
+    bool saveProjectInteractive();
+    bool openProjectInteractive();
+
+signals:
+    void firstMapPainted();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void buildMenus();
+    void buildCoolBar();
+    void buildCentre();
+    void connectMapTools();
+    void fillRegionBox();
+    void updateScaleBox();
+    void startScaleTimer();
+    void updateCommandStates();
+    void setDividerTwips(double twips);
+    double twipsPerPixel() const;
+    void saveView();
+    void previousView();
+    void setMapExtent(const map::MapRect &r);
+    void zoomFixed(double factor);
+    void applyTypedScale();
+    void selectTool(const QString &key, bool checked);
+    void activeThemeChanged(const QString &layerName);
+    QString aliasOf(const QString &layerName) const;
+    bool runGuarded(const QString &key, const std::function<void()> &fn);
+
+    AtlasHome m_home;
+    AppState &m_state;
+    MapWidget *m_map = nullptr;
+    LegendView *m_legend = nullptr;
+    QWidget *m_divider = nullptr;
+    QComboBox *m_regions = nullptr;
+    QLineEdit *m_scale = nullptr;
+    QLabel *m_coord = nullptr;
+    QToolBar *m_toolbar = nullptr;
+    QTimer *m_scaleTimer = nullptr;
+    QTimer *m_resizeTimer = nullptr;
+    QTimer *m_tipTimer = nullptr;
+    QHash<QString, QAction *> m_actions;  // toolbar keys and menu names
+    QHash<QString, QString> m_aliases;    // theme name (upper case) -> alias
+    std::unique_ptr<MapModelHost> m_host;
+    std::unique_ptr<ProjectFiles> m_projects;
+    Stack m_history;
+    double m_lastValidScale = 0;
+    double m_legendTwips = 3795;
+    bool m_painted = false;
+};
+
+}  // namespace mervola

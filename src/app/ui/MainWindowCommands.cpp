@@ -1,0 +1,210 @@
+// Command dispatch of the main window and the map navigation commands.
+#include "app/CommandTable.h"
+#include "app/Scale.h"
+#include "app/Startup.h"
+#include "app/ui/MainWindow.h"
+#include "app/ui/SplashWindow.h"
+#include "platform/Messages.h"
+#include "platform/ui/LegendView.h"
+#include "platform/ui/MapWidget.h"
+#include "project/ProjectFile.h"
+
+#include <QAction>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLineEdit>
+#include <QTimer>
+#include <QUrl>
+
+namespace mervola {
+
+bool MainWindow::runGuarded(const QString &key, const std::function<void()> &fn)
+{
+    try {
+        fn();
+        return true;
+    } catch (const std::exception &e) {
+        showMessage(MsgStyle::Critical, QString::fromUtf8(e.what()));
+    } catch (...) {
+        showMessage(MsgStyle::Critical, QStringLiteral("Errore imprevisto nel comando ") + key + QLatin1Char('.'));
+    }
+    return false;
+}
+
+void MainWindow::dispatch(const QString &key)
+{
+    runGuarded(key, [&] {
+        if (key == QLatin1String("apri")) {
+            openProjectInteractive();
+        } else if (key == QLatin1String("salva")) {
+            saveProjectInteractive();
+        } else if (key == QLatin1String("zoomtema")) {
+            const map::MapLayer *layer = m_map->model().find(m_legend->activeLayerName());
+            if (layer && !layer->extent().isEmpty()) {
+                saveView();
+                setMapExtent(layer->extent());
+            }
+        } else if (key == QLatin1String("uscita")) {
+            close();
+        } else if (key == QLatin1String("totale")) {
+            saveView();
+            setMapExtent(m_map->fullExtent());
+        } else if (key == QLatin1String("zoominfix")) {
+            zoomFixed(0.5);
+        } else if (key == QLatin1String("zoomoutfix")) {
+            zoomFixed(1.5);
+        } else if (key == QLatin1String("zoomprec")) {
+            if (m_history.count() > 0) {
+                previousView();
+                startScaleTimer();
+            }
+        } else if (key == QLatin1String("mnuGuida")) {
+            QDesktopServices::openUrl(QUrl::fromLocalFile(m_home.helpFile()));
+        } else if (key == QLatin1String("mnuInfo")) {
+            SplashWindow about(SplashWindow::Mode::About, this);
+            about.exec();
+        }
+    });
+}
+
+void MainWindow::selectTool(const QString &key, bool checked)
+{
+    if (checked) {
+        for (const QString &other : mapToolKeys())
+            if (other != key)
+                if (QAction *a = action(other); a && a->isChecked()) {
+                    const QSignalBlocker block(a);
+                    a->setChecked(false);
+                }
+    }
+    const auto pressed = [this](const char *k) { return action(QLatin1String(k))->isChecked(); };
+    if (pressed("zoomin"))
+        m_map->setMode(MapWidget::Mode::RubberBand);
+    else if (pressed("pan"))
+        m_map->setMode(MapWidget::Mode::Pan);
+    else if (pressed("zoomout") || pressed("info"))
+        m_map->setMode(MapWidget::Mode::Click);
+    else
+        m_map->setMode(MapWidget::Mode::None);
+}
+
+void MainWindow::connectMapTools()
+{
+    connect(m_map, &MapWidget::rectangleChosen, this, [this](const map::MapRect &r) {
+        if (!action(QStringLiteral("zoomin"))->isChecked())
+            return;
+        if (parseScale(m_scale->text()) < kMinScale) {
+            if (m_lastValidScale > 0)
+                m_scale->setText(groupDigits(qint64(m_lastValidScale)));
+            return;
+        }
+        saveView();
+        // A drag lower than 10 map units counts as a click: shrink to 0.7.
+        setMapExtent(r.height() >= 10 ? r : m_map->extent().scaled(0.7));
+        if (m_map->extent().width() < kMinExtentWidth)
+            previousView();
+    });
+    connect(m_map, &MapWidget::clicked, this, [this](QPointF p, Qt::MouseButton) {
+        if (action(QStringLiteral("zoomout"))->isChecked()) {
+            saveView();
+            map::MapRect r = m_map->extent();
+            r.centerOn(p);
+            setMapExtent(r.scaled(1.5));
+        }
+    });
+    connect(m_map, &MapWidget::mousePressed, this, [this](QPointF, Qt::MouseButton, Qt::KeyboardModifiers) {
+        if (action(QStringLiteral("pan"))->isChecked())
+            saveView();
+    });
+    connect(m_map, &MapWidget::panFinished, this, [this] {
+        m_state.projectModified = true;
+        startScaleTimer();
+    });
+}
+
+void MainWindow::saveView() { m_history.Push(m_map->extent()); }
+
+void MainWindow::previousView()
+{
+    const map::MapRect r = m_history.Pop();
+    if (!r.isEmpty()) {
+        m_map->setExtent(r);
+        m_map->refresh();
+    }
+}
+
+void MainWindow::setMapExtent(const map::MapRect &r)
+{
+    m_map->setExtent(r);
+    m_map->refresh();
+    m_state.projectModified = true;
+    startScaleTimer();
+}
+
+void MainWindow::zoomFixed(double factor)
+{
+    if (factor < 1 && parseScale(m_scale->text()) < kMinScale) {
+        if (m_lastValidScale > 0)
+            m_scale->setText(groupDigits(qint64(m_lastValidScale)));
+        return;
+    }
+    saveView();
+    setMapExtent(m_map->extent().scaled(factor));
+    if (factor < 1 && m_map->extent().width() < kMinExtentWidth)
+        previousView();
+    startScaleTimer();
+}
+
+void MainWindow::applyTypedScale()
+{
+    const double wanted = parseScale(m_scale->text());
+    const double widthTwips = m_map->width() * (1440.0 / logicalDpiX());
+    const double now = currentScale(m_map->extent().width(), widthTwips);
+    if (wanted <= 0 || now <= 0) {
+        startScaleTimer();
+        return;
+    }
+    if (wanted < kMinScale) {
+        startScaleTimer();
+        return;
+    }
+    saveView();
+    setMapExtent(m_map->extent().scaled(wanted / now));
+}
+
+bool MainWindow::saveProjectInteractive()
+{
+    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Salva progetto"), m_home.root(),
+                                                      QStringLiteral("Progetto Mervola (*.rlx)"));
+    if (path.isEmpty())
+        return false;
+    const Status st = m_projects->save(path, m_state.communityTable);
+    if (!st) {
+        if (st.errorMessage() != ProjectText::kBadExtension)
+            showMessage(MsgStyle::Critical, st.errorMessage());
+        return false;
+    }
+    m_state.projectModified = false;
+    setWindowTitle(ProjectText::kCaptionPrefix + QFileInfo(path).completeBaseName());
+    return true;
+}
+
+bool MainWindow::openProjectInteractive()
+{
+    const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("Apri progetto"), m_home.root(),
+                                                      QStringLiteral("Progetto Mervola (*.rlx)"));
+    if (path.isEmpty())
+        return false;
+    const Status st = m_projects->open(path);
+    applyProjectSession(m_state, m_projects->session());
+    m_history.clear();
+    refreshLegend();
+    m_map->refresh();
+    updateCommandStates();
+    startScaleTimer();
+    m_state.projectModified = false;
+    return st.ok();
+}
+
+}  // namespace mervola

@@ -1,0 +1,86 @@
+// Mervola: the desktop statistical atlas.
+//   mervola [--home DIR] [--quit-after-start]
+// --quit-after-start quits once the first map has been painted and prints
+// the start-up time on stderr (for timing and smoke tests).
+#include "app/AppState.h"
+#include "app/Startup.h"
+#include "app/ui/MainWindow.h"
+#include "app/ui/SplashWindow.h"
+#include "platform/AtlasHome.h"
+#include "platform/Messages.h"
+#include "platform/ui/MessageBoxPresenter.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QTimer>
+#include <cstdio>
+
+using namespace mervola;
+
+int main(int argc, char **argv)
+{
+    QElapsedTimer clock;
+    clock.start();
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Mervola"));
+    QApplication::setOrganizationName(QStringLiteral("Mervola"));
+    const QStringList args = QApplication::arguments();
+    const int homeAt = int(args.indexOf(QStringLiteral("--home")));
+    const QString homeArg = homeAt >= 0 && homeAt + 1 < args.size() ? args[homeAt + 1] : QString();
+    const bool quitAfterStart = args.contains(QStringLiteral("--quit-after-start"));
+
+    MessageBoxPresenter presenter;
+    setMessagePresenter(&presenter);
+
+    const AtlasHome home = AtlasHome::locate(homeArg);
+    if (!home.exists()) {
+        showMessage(MsgStyle::Critical,
+                    QStringLiteral("Atlante non trovato in %1.\nCrearlo con: mervola-cli build-atlas --sources "
+                                   "CARTELLA --home %1")
+                        .arg(home.root()));
+        return 1;
+    }
+
+    AppState &state = appState();
+    state.splash = true;
+    SplashWindow splash(SplashWindow::Mode::StartUp);
+    splash.show();
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    QApplication::processEvents();
+
+    // Only one copy of the program may work on an atlas home at a time.
+    Startup startup(home, state);
+    const auto lock = startup.acquireInstanceLock();
+    if (!lock) {
+        QApplication::restoreOverrideCursor();
+        splash.hide();
+        showMessage(MsgStyle::Critical, StartupText::kAlreadyRunning);
+        return 1;
+    }
+    splash.startTimer(600);
+
+    MainWindow window(home, state);
+    presenter.setParent(&window);
+    if (!window.load()) {
+        QApplication::restoreOverrideCursor();
+        return 1;
+    }
+    window.setEnabled(false);
+    auto showMain = [&] {
+        QApplication::restoreOverrideCursor();
+        window.setEnabled(true);
+        state.splash = false;
+        window.resize(1280, 860);
+        window.show();
+        splash.close();
+    };
+    QObject::connect(&splash, &SplashWindow::timedOut, &window, showMain);
+    if (quitAfterStart) {
+        QObject::connect(&window, &MainWindow::firstMapPainted, &app, [&] {
+            std::fprintf(stderr, "Mappa disegnata dopo %lld ms\n", static_cast<long long>(clock.elapsed()));
+            state.projectModified = false;
+            QTimer::singleShot(0, &app, [&] { QApplication::exit(0); });
+        });
+    }
+    return QApplication::exec();
+}

@@ -1,0 +1,150 @@
+#include "platform/ui/LegendView.h"
+
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QPainter>
+#include <QPixmap>
+
+namespace mervola {
+
+namespace {
+constexpr int kNameRole = Qt::UserRole + 1;
+}
+
+LegendView::LegendView(QWidget *parent) : QTreeWidget(parent)
+{
+    setObjectName(QStringLiteral("MapLegend1"));
+    setHeaderHidden(true);
+    setColumnCount(1);
+    setRootIsDecorated(true);
+    setIndentation(18);
+    setIconSize(QSize(18, 14));
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setContextMenuPolicy(Qt::DefaultContextMenu);
+    setAccessibleName(QStringLiteral("Legenda"));
+
+    connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem *item, int) {
+        if (m_filling || item->parent())
+            return;
+        emit visibilityToggled(item->data(0, kNameRole).toString(), item->checkState(0) == Qt::Checked);
+    });
+    connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem *current, QTreeWidgetItem *) {
+        if (m_filling || !current)
+            return;
+        emit activeThemeChanged(topItem(current)->data(0, kNameRole).toString());
+    });
+    connect(this, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem *item, int) {
+        emit themeDoubleClicked(topItem(item)->data(0, kNameRole).toString());
+    });
+}
+
+QTreeWidgetItem *LegendView::topItem(const QTreeWidgetItem *item) const
+{
+    while (item && item->parent())
+        item = item->parent();
+    return const_cast<QTreeWidgetItem *>(item);
+}
+
+QIcon LegendView::swatch(const QColor &fill, const QColor &outline, bool outlined, int geometryKind, int size)
+{
+    QPixmap pm(size + 4, size);
+    pm.fill(Qt::transparent);
+    QPainter p(&pm);
+    p.setRenderHint(QPainter::Antialiasing, geometryKind != 2);
+    const QRect r(1, 1, size + 1, size - 3);
+    if (geometryKind == 0) {
+        p.setBrush(fill);
+        p.setPen(outlined ? QPen(outline, 1) : Qt::NoPen);
+        p.drawEllipse(r.center(), size / 4, size / 4);
+    } else if (geometryKind == 1) {
+        p.setPen(QPen(fill, 2));
+        p.drawLine(r.left(), r.center().y(), r.right(), r.center().y());
+    } else {
+        p.setBrush(fill);
+        p.setPen(outlined ? QPen(outline, 1) : Qt::NoPen);
+        p.drawRect(r);
+    }
+    return QIcon(pm);
+}
+
+void LegendView::setEntries(const std::vector<LegendEntry> &entries)
+{
+    const QString active = activeLayerName();
+    m_filling = true;
+    clear();
+    QTreeWidgetItem *toSelect = nullptr;
+    for (const LegendEntry &e : entries) {
+        auto *item = new QTreeWidgetItem(this);
+        item->setText(0, e.alias.isEmpty() ? e.layerName : e.alias);
+        item->setData(0, kNameRole, e.layerName);
+        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
+        item->setCheckState(0, e.visible ? Qt::Checked : Qt::Unchecked);
+        item->setToolTip(0, e.layerName);
+        if (e.classes.empty()) {
+            item->setIcon(0, swatch(e.fill, e.outline, e.outlined, e.geometryKind));
+        } else {
+            for (const LegendClass &c : e.classes) {
+                auto *child = new QTreeWidgetItem(item);
+                QString text = c.label;
+                if (c.count >= 0)
+                    text += QStringLiteral("  (%1)").arg(c.count);
+                child->setText(0, text);
+                child->setIcon(0, swatch(c.fill, c.outline, e.outlined, e.geometryKind));
+                child->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+            }
+            item->setExpanded(true);
+        }
+        if (e.layerName == active)
+            toSelect = item;
+    }
+    if (toSelect)
+        setCurrentItem(toSelect);
+    m_filling = false;
+}
+
+void LegendView::contextMenuEvent(QContextMenuEvent *event)
+{
+    QTreeWidgetItem *item = topItem(itemAt(event->pos()));
+    if (!item)
+        return;
+    setCurrentItem(item);
+    emit themeContextMenu(item->data(0, kNameRole).toString(), event->globalPos());
+}
+
+QString LegendView::layerNameAt(int index) const
+{
+    auto *it = topLevelItem(index);
+    return it ? it->data(0, kNameRole).toString() : QString();
+}
+
+QString LegendView::aliasAt(int index) const
+{
+    auto *it = topLevelItem(index);
+    return it ? it->text(0) : QString();
+}
+
+bool LegendView::isVisibleAt(int index) const
+{
+    auto *it = topLevelItem(index);
+    return it && it->checkState(0) == Qt::Checked;
+}
+
+int LegendView::activeIndex() const
+{
+    auto *it = topItem(currentItem());
+    return it ? indexOfTopLevelItem(it) : -1;
+}
+
+void LegendView::setActiveIndex(int index)
+{
+    if (auto *it = topLevelItem(index))
+        setCurrentItem(it);
+}
+
+QString LegendView::activeLayerName() const
+{
+    auto *it = topItem(currentItem());
+    return it ? it->data(0, kNameRole).toString() : QString();
+}
+
+}  // namespace mervola

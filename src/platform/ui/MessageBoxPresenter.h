@@ -1,0 +1,20 @@
+#pragma once
+// Shows the program's messages in real message boxes with Italian buttons.
+
+#include "platform/Messages.h"
+
+class QWidget;
+
+namespace mervola {
+
+class MessageBoxPresenter : public MessagePresenter {
+public:
+    explicit MessageBoxPresenter(QWidget *parentProvider = nullptr) : m_parent(parentProvider) {}
+    MsgAnswer present(int style, const QString &text, const QString &title) override;
+    void setParent(QWidget *parent) { m_parent = parent; }
+
+private:
+    QWidget *m_parent;
+};
+
+}  // namespace mervola
