@@ -1,6 +1,7 @@
 #include "atlas/Geometry.h"
 
 #include <ogr_geometry.h>
+#include <cpl_error.h>
 #include <ogr_spatialref.h>
 
 namespace mervola::atlas {
@@ -68,13 +69,23 @@ GeometryPtr toOgr(const MultiPolygon &shape)
 
 namespace {
 
+// GEOS reports the reason of invalidity as a GDAL warning; the repair below
+// makes it noise.
+bool isValidQuietly(const OGRGeometry *g)
+{
+    CPLPushErrorHandler(CPLQuietErrorHandler);
+    const bool valid = g->IsValid();
+    CPLPopErrorHandler();
+    return valid;
+}
+
 // Adds the polygons of g to out; a polygon that GEOS finds invalid (a
 // simplified source outline crossing itself) is repaired first.
 void addPolygons(const OGRGeometry *g, OGRMultiPolygon &out, bool repair)
 {
     const OGRwkbGeometryType t = wkbFlatten(g->getGeometryType());
     if (t == wkbPolygon) {
-        if (repair && !g->IsValid()) {
+        if (repair && !isValidQuietly(g)) {
             if (GeometryPtr fixed{g->MakeValid()}; fixed && !fixed->IsEmpty()) {
                 addPolygons(fixed.get(), out, false);
                 return;
