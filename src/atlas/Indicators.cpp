@@ -221,6 +221,14 @@ Value number(const Attributes &row, const QString &column)
     return ok && std::isfinite(v) ? Value(v) : std::nullopt;
 }
 
+Value rounded(const Value &v, int precision)
+{
+    if (!v)
+        return v;
+    const double scale = std::pow(10.0, precision);
+    return std::round(*v * scale) / scale;
+}
+
 std::vector<Value> municipalityValues(const Attributes &row)
 {
     std::vector<Value> out;

@@ -51,6 +51,8 @@ std::vector<const Indicator *> indicatorsOf(const QString &categoryCode);
 
 // A number from an attribute cell; nullopt when empty or not a number.
 Value number(const Attributes &row, const QString &column);
+// The value rounded to the indicator's decimals, as the tables store it.
+Value rounded(const Value &v, int precision);
 // The value of every indicator (catalogue order) for one municipality.
 std::vector<Value> municipalityValues(const Attributes &row);
 // The value of every indicator for a community from its members' rows:

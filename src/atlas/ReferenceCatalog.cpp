@@ -75,7 +75,7 @@ Status insertCategoryTables(SqliteDb &db, const AtlasModel &model)
         for (size_t i = 0; i < model.communities.size(); ++i) {
             QVariantList row = {model.communities[i].progMont, model.communities[i].name};
             for (size_t k : members) {
-                const Value &v = model.communityValues[i][k];
+                const Value v = rounded(model.communityValues[i][k], all[k].precision);
                 row << (v ? QVariant(*v) : QVariant());
             }
             if (auto r = db.run(insert, row); !r)

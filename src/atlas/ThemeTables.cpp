@@ -3,7 +3,6 @@
 #include "atlas/Regions.h"
 
 #include <QHash>
-#include <cmath>
 
 namespace mervola::atlas {
 
@@ -15,10 +14,8 @@ FieldSpec text(const char *name, int width) { return {QLatin1String(name), T::Te
 
 QVariant toVariant(const Value &v, int precision)
 {
-    if (!v)
-        return QVariant();
-    const double scale = std::pow(10.0, precision);
-    return std::round(*v * scale) / scale;
+    const Value r = rounded(v, precision);
+    return r ? QVariant(*r) : QVariant();
 }
 
 QString fieldAlias(const QString &field)
