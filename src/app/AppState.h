@@ -2,11 +2,10 @@
 // The process-wide state of the program: what start-up leaves behind and
 // what the main window and the dialogs share while the program runs.
 
-#include "project/MapHost.h"
+#include "app/Stack.h"
 #include "project/StructureTable.h"
 
 #include <QString>
-#include <vector>
 
 namespace mervola {
 
@@ -35,8 +34,8 @@ struct AppState {
     double scaleBase = 0;
     double scaleFactor = 0;
 
-    // Extent history: the most recent rectangle last.
-    std::vector<ExtentRect> extentHistory;
+    // Extent history of the navigation tools, empty at start.
+    Stack extentHistory;
 
     // Back to the values of a fresh process.
     void reset() { *this = AppState(); }
