@@ -96,6 +96,28 @@ private slots:
         QCOMPARE(rs->rows[0][0].toString(), QStringLiteral("Courmayeur"));
     }
 
+    void jetDialect_data()
+    {
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<int>("rows");
+        QTest::newRow("like star") << "select label from comuni where label like 'c*'" << 2;
+        QTest::newRow("like question mark") << "select label from comuni where label Like '?osta'" << 1;
+        QTest::newRow("star inside literal kept") << "select label from comuni where label = 'c*'" << 0;
+        QTest::newRow("top") << "SELECT TOP 2 * FROM comuni ORDER BY POP" << 2;
+        QTest::newRow("concatenation") << "select label & ' (' & prog_mont & ')' from comuni where pop = 10" << 1;
+        QTest::newRow("min of bracketed") << "Select Min([AREA]) from [comuni]" << 1;
+    }
+    void jetDialect()
+    {
+        QFETCH(QString, sql);
+        QFETCH(int, rows);
+        Fixture f;
+        DbfFolder folder(f.dir.path());
+        auto rs = folder.query(sql);
+        QVERIFY2(rs.ok(), qPrintable(rs.errorMessage()));
+        QCOMPARE(int(rs->size()), rows);
+    }
+
     void statisticsStatementUsesSampleVariance()
     {
         Fixture f;
@@ -188,6 +210,21 @@ private slots:
         QVERIFY(folder.execute(QStringLiteral("DROP TABLE TEMP;")).ok());
         QVERIFY(!QFileInfo::exists(f.path("temp.dbf")));
         QVERIFY(!QFileInfo::exists(f.path("temp.cpg")));
+    }
+
+    void selectIntoAnotherFolder()
+    {
+        Fixture f;
+        QVERIFY(QDir(f.dir.path()).mkdir(QStringLiteral("tema")));
+        DbfFolder folder(f.dir.path());
+        const QString sql = QStringLiteral("SELECT [CODICE] AS [CODICE], LABEL AS [NOME] INTO [dBase III;DATABASE=%1]."
+                                           "[joinmdb] FROM [monti]")
+                                .arg(f.path(QStringLiteral("tema")));
+        auto n = folder.run(sql);
+        QVERIFY2(n.ok(), qPrintable(n.errorMessage()));
+        auto t = readDbf(f.path(QStringLiteral("tema/joinmdb.dbf")));
+        QVERIFY(t.ok());
+        QCOMPARE(t->fields[1], (DbfField{QStringLiteral("NOME"), DbfType::Text, 30, 0}));
     }
 
     void writingStatementsGoBackToTheFile_data()

@@ -216,9 +216,13 @@ Result<DbfTable> DbfFolder::table(const QString &name)
 
 Result<int> DbfFolder::Impl::selectInto(const dbfsql::Statement &st)
 {
-    if (st.target.isEmpty())
-        return Result<int>::fail(QStringLiteral("Manca il nome della tabella da creare."));
-    if (listFiles().contains(key(st.target)))
+    if (st.target.isEmpty() || st.target.contains(QLatin1Char('/')) || st.target.contains(QLatin1Char('\\')))
+        return Result<int>::fail(QStringLiteral("Nome di tabella non valido: %1").arg(st.target));
+    const QString dir = st.targetFolder.isEmpty() ? folder : QDir::cleanPath(st.targetFolder);
+    if (!QFileInfo(dir).isDir())
+        return Result<int>::fail(QStringLiteral("Cartella non trovata: %1").arg(dir));
+    const QStringList existing = QDir(dir).entryList({st.target + QStringLiteral(".dbf")}, QDir::Files);
+    if (!existing.isEmpty())
         return Result<int>::fail(QStringLiteral("La tabella %1 esiste già.").arg(st.target));
     QHash<QString, const DbfTable *> sources;
     for (auto it = loaded.cbegin(); it != loaded.cend(); ++it)
@@ -226,7 +230,7 @@ Result<int> DbfFolder::Impl::selectInto(const dbfsql::Statement &st)
     auto table = dbfvalues::selectToTable(db.handle(), st.sql, sources);
     if (!table)
         return table.error();
-    const QString path = folder + QLatin1Char('/') + st.target + QStringLiteral(".dbf");
+    const QString path = dir + QLatin1Char('/') + st.target + QStringLiteral(".dbf");
     if (auto s = writeDbf(path, *table); !s)
         return s.error();
     return int(table->rowCount());

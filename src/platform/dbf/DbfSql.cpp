@@ -123,6 +123,32 @@ QString foldRepeatedStar(QString sql)
     return sql;
 }
 
+// Jet's LIKE wildcards * and ? are SQLite's % and _.
+QString likeWildcards(QString sql)
+{
+    const QList<Token> t = tokenize(sql);
+    for (int k = int(t.size()) - 2; k >= 0; --k) {
+        if (!t[k].isWord("LIKE") || t[k + 1].kind != Token::String)
+            continue;
+        QString pattern = t[k + 1].text;
+        for (int i = 1; i + 1 < pattern.size(); ++i) {
+            if (pattern[i] == QLatin1Char('*'))
+                pattern[i] = QLatin1Char('%');
+            else if (pattern[i] == QLatin1Char('?'))
+                pattern[i] = QLatin1Char('_');
+        }
+        splice(sql, t[k + 1].start, t[k + 1].end(), pattern);
+    }
+    return sql;
+}
+
+// "[dBase IV;DATABASE=folder]" -> folder; empty for anything else.
+QString externalDatabaseFolder(const QString &connect)
+{
+    const int i = int(connect.indexOf(QLatin1String("DATABASE="), 0, Qt::CaseInsensitive));
+    return i < 0 ? QString() : connect.mid(i + 9).section(QLatin1Char(';'), 0, 0).trimmed();
+}
+
 // Position of the top-level INTO of a SELECT, -1 when none.
 int topLevelInto(const QList<Token> &t)
 {
@@ -148,7 +174,7 @@ Statement analyze(const QString &jetSql, const std::function<bool(const QString 
     QString sql = translateJetSql(jetSql).trimmed();
     while (sql.endsWith(QLatin1Char(';')))
         sql = sql.chopped(1).trimmed();
-    sql = foldRepeatedStar(stripDbfSuffixes(sql, isTable));
+    sql = likeWildcards(foldRepeatedStar(stripDbfSuffixes(sql, isTable)));
 
     const QList<Token> t = tokenize(sql);
     for (const Token &tok : t)
@@ -162,8 +188,15 @@ Statement analyze(const QString &jetSql, const std::function<bool(const QString 
         const int into = topLevelInto(t);
         if (into > 0 && into + 1 < t.size() && t[into + 1].isName()) {
             st.kind = Kind::SelectInto;
-            st.target = t[into + 1].text;
-            splice(sql, t[into].start, t[into + 1].end(), QString());
+            int last = into + 1;
+            st.target = t[last].text;
+            // INTO [dBase IV;DATABASE=folder].[name] writes into another folder
+            if (last + 2 < t.size() && t[last + 1].text == QLatin1String(".") && t[last + 2].isName()) {
+                st.targetFolder = externalDatabaseFolder(st.target);
+                st.target = t[last + 2].text;
+                last += 2;
+            }
+            splice(sql, t[into].start, t[last].end(), QString());
         } else {
             st.kind = Kind::Select;
         }

@@ -29,13 +29,15 @@ enum class Kind { Select, SelectInto, Insert, Update, Delete, DropTable, Other }
 struct Statement {
     Kind kind = Kind::Other;
     QString sql;         // SQLite text to run (the INTO clause of SELECT ... INTO removed)
-    QString target;      // the table that is written, created or dropped
+    QString target;        // the table that is written, created or dropped
+    QString targetFolder;  // SELECT ... INTO [dBase IV;DATABASE=folder].[name]: that folder
     QStringList names;   // every name in the statement (candidate table names)
 };
 
 // Translates the Jet dialect, rewrites "name.dbf" references to tables of the
 // folder (isTable tells which names are tables), folds "SELECT *,*" into
-// "SELECT *" and finds the statement's kind and target.
+// "SELECT *", turns Jet LIKE wildcards (* ?) into SQLite's (% _) and finds
+// the statement's kind and target.
 Statement analyze(const QString &jetSql, const std::function<bool(const QString &)> &isTable);
 
 // Encloses in brackets table names that begin with a digit (FROM 01 -> FROM [01]).
