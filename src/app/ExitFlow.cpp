@@ -7,7 +7,7 @@ namespace mervola {
 bool confirmExit(bool projectModified, const std::function<bool()> &saveProject)
 {
     if (projectModified) {
-        const MsgAnswer a = showMessage(MsgStyle::YesNoCancel | MsgStyle::Question,
+        const MsgAnswer a = showMessage(MsgStyle::YesNoCancel | MsgStyle::Exclamation,
                                         QStringLiteral("Salvare le modifiche al progetto?"));
         if (a == MsgAnswer::Cancel)
             return false;

@@ -29,8 +29,11 @@ int main(int argc, char **argv)
     const QString homeArg = homeAt >= 0 && homeAt + 1 < args.size() ? args[homeAt + 1] : QString();
     const bool quitAfterStart = args.contains(QStringLiteral("--quit-after-start"));
 
+    // MERVOLA_NONINTERACTIVE=1 prints messages on stderr and takes the
+    // default answer (for smoke tests and scripted runs).
     MessageBoxPresenter presenter;
-    setMessagePresenter(&presenter);
+    if (!qEnvironmentVariableIsSet("MERVOLA_NONINTERACTIVE"))
+        setMessagePresenter(&presenter);
 
     const AtlasHome home = AtlasHome::locate(homeArg);
     if (!home.exists()) {

@@ -1,0 +1,149 @@
+// The main window started on the demo atlas, offscreen.
+#include "app/AppState.h"
+#include "app/ui/MainWindow.h"
+#include "atlas/AtlasBuilder.h"
+#include "platform/Messages.h"
+#include "platform/ui/LegendView.h"
+#include "platform/ui/MapWidget.h"
+#include "support/TestSupport.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QStatusBar>
+#include <QtTest>
+
+using namespace mervola;
+
+class TestMainWindow : public QObject {
+    Q_OBJECT
+    QTemporaryDir m_dir;
+    AtlasHome m_home;
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        QVERIFY(atlas::buildDemoAtlas(m_dir.path()).ok());
+        m_home = AtlasHome(m_dir.path());
+    }
+
+    void init() { appState().reset(); }
+
+    void startsWithTheDefaultProjectAndTheBoxes()
+    {
+        MessageRecorder rec;
+        MainWindow w(m_home, appState());
+        QVERIFY(w.load());
+        QVERIFY(rec.entries().isEmpty());
+        QCOMPARE(w.windowTitle(), QStringLiteral("Mervola"));
+        auto *regions = w.findChild<QComboBox *>(QStringLiteral("cboRegioni"));
+        QVERIFY(regions);
+        QCOMPARE(regions->count(), 21);
+        QCOMPARE(regions->currentIndex(), 0);
+        QCOMPARE(regions->itemText(19), QStringLiteral("VALLE D'AOSTA"));
+        QCOMPARE(regions->itemData(19).toString(), QStringLiteral("02"));
+        QCOMPARE(w.findChild<QLabel *>(QStringLiteral("lblRegioni"))->text(), QStringLiteral("Visualizza"));
+        QCOMPARE(w.findChild<QLabel *>(QStringLiteral("lblScala"))->text(), QStringLiteral("Scala 1:"));
+
+        auto *legend = w.findChild<LegendView *>(QStringLiteral("MapLegend1"));
+        QVERIFY(legend);
+        QCOMPARE(legend->entryCount(), w.mapWidget()->model().layerCount());
+        QVERIFY(legend->entryCount() >= 3);
+        // The active theme is the last legend entry, and its source name was looked up.
+        QCOMPARE(legend->activeIndex(), legend->entryCount() - 1);
+        QCOMPARE(appState().activeTheme, legend->aliasAt(legend->entryCount() - 1));
+        QVERIFY(!appState().activeSourceName.isEmpty());
+        QVERIFY(appState().structuresLoaded);
+        QVERIFY(!appState().structure.rows.empty());
+        QVERIFY(!w.action(QStringLiteral("zoomprec"))->isEnabled());
+        // Every run starts from the pristine settings of originali/.
+        const QStringList pristine = QDir(m_home.originali()).entryList({QStringLiteral("*.ini")});
+        QVERIFY(!pristine.isEmpty());
+        for (const QString &f : pristine)
+            if (!w.mapWidget()->model().find(QFileInfo(f).completeBaseName()))  // loaded themes are normalised
+                QCOMPARE(test::readFile(m_home.supporto() + QLatin1Char('/') + f),
+                     test::readFile(m_home.originali() + QLatin1Char('/') + f));
+    }
+
+    void statusBarFollowsTheMouse()
+    {
+        MessageRecorder rec;
+        MainWindow w(m_home, appState());
+        QVERIFY(w.load());
+        w.resize(1000, 700);
+        w.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        QTest::mouseMove(w.mapWidget(), QPoint(200, 150));
+        auto *coord = w.findChild<QLabel *>(QStringLiteral("coord"));
+        QTRY_VERIFY(coord->text().startsWith(QStringLiteral("X:")));
+        QVERIFY(coord->text().contains(QStringLiteral("   Y:")));
+        // The scale box shows a grouped denominator.
+        QTRY_VERIFY(w.findChild<QLineEdit *>(QStringLiteral("txtScala"))->text().contains(QLatin1Char('.')));
+    }
+
+    void windowKeepsItsMinimumSize()
+    {
+        MessageRecorder rec;
+        MainWindow w(m_home, appState());
+        QVERIFY(w.load());
+        w.show();
+        w.resize(50, 50);
+        const double dpi = w.logicalDpiX();
+        QVERIFY(w.width() >= int(10000 * dpi / 1440) - 1);
+        QVERIFY(w.height() >= int(8000 * dpi / 1440) - 1);
+    }
+
+    void zoomHistoryEnablesPreviousView()
+    {
+        MessageRecorder rec;
+        MainWindow w(m_home, appState());
+        QVERIFY(w.load());
+        w.resize(1000, 700);
+        w.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        const map::MapRect before = w.mapWidget()->extent();
+        w.dispatch(QStringLiteral("zoomoutfix"));
+        QVERIFY(w.action(QStringLiteral("zoomprec"))->isEnabled());
+        QVERIFY(w.mapWidget()->extent().width() > before.width() * 1.4);
+        w.dispatch(QStringLiteral("zoomprec"));
+        QVERIFY(!w.action(QStringLiteral("zoomprec"))->isEnabled());
+        QVERIFY(qAbs(w.mapWidget()->extent().width() - before.width()) < 1e-6 * before.width());
+    }
+
+    void exitAsksAndCanBeRefused()
+    {
+        MessageRecorder rec;
+        MainWindow w(m_home, appState());
+        QVERIFY(w.load());
+        w.show();
+        rec.script(MsgAnswer::No);
+        QVERIFY(!w.close());
+        QVERIFY(w.isVisible());
+        QCOMPARE(rec.entries().last().text, QStringLiteral("Uscire dall'applicazione?"));
+        appState().projectModified = true;
+        rec.script(MsgAnswer::Cancel);
+        QVERIFY(!w.close());
+        QCOMPARE(rec.entries().last().text, QStringLiteral("Salvare le modifiche al progetto?"));
+        rec.script(MsgAnswer::No);
+        QVERIFY(w.close());
+    }
+
+    void legendVisibilityHidesTheLayerAndMarksTheProject()
+    {
+        MessageRecorder rec;
+        MainWindow w(m_home, appState());
+        QVERIFY(w.load());
+        auto *legend = w.legend();
+        auto *item = legend->topLevelItem(0);
+        const QString name = legend->layerNameAt(0);
+        const bool was = item->checkState(0) == Qt::Checked;
+        item->setCheckState(0, was ? Qt::Unchecked : Qt::Checked);
+        QCOMPARE(w.mapWidget()->model().find(name)->visible, !was);
+        QVERIFY(appState().projectModified);
+    }
+};
+
+QTEST_MAIN(TestMainWindow)
+#include "test_main_window.moc"
