@@ -34,7 +34,10 @@ ClassifyOutcome ClassificationMethod::classes(const FieldColumn &column, int cla
         r.drawn = true;
     }
     applyRamp(c.classes, rampIndex);
-    countElements(column, c.classes, c.uniqueValues);
+    if (!c.uniqueValues && column.numeric)
+        countSorted(b.sorted.empty() ? column.sortedNumbers() : b.sorted, c.classes);
+    else
+        countElements(column, c.classes, c.uniqueValues);
     return out;
 }
 
@@ -83,19 +86,34 @@ void countElements(const FieldColumn &column, std::vector<ClassRange> &classes, 
     }
     if (!column.numeric)
         return;
-    // Computed limits rise, so a binary search finds the class; limits typed
-    // by the user may not, and are searched in order.
     const bool rising = std::is_sorted(classes.begin(), classes.end(),
                                        [](const ClassRange &a, const ClassRange &b) { return a.upper < b.upper; });
+    if (rising) {
+        countSorted(column.sortedNumbers(), classes);
+        return;
+    }
+    // Limits typed by the user may not rise: each value takes the first
+    // class whose upper limit is not below it.
     for (double v : column.numbers) {
         if (FieldColumn::isNull(v) || v < classes.front().lower)
             continue;
-        const auto it = rising ? std::partition_point(classes.begin(), classes.end(),
-                                                      [v](const ClassRange &r) { return r.upper < v; })
-                               : std::find_if(classes.begin(), classes.end(),
-                                              [v](const ClassRange &r) { return v <= r.upper; });
+        const auto it = std::find_if(classes.begin(), classes.end(), [v](const ClassRange &r) { return v <= r.upper; });
         if (it != classes.end())
             ++it->count;
+    }
+}
+
+void countSorted(const std::vector<double> &sorted, std::vector<ClassRange> &classes)
+{
+    // Rising limits: the class of a value is found by binary search over the
+    // sorted numbers, one search per class.
+    if (classes.empty())
+        return;
+    auto from = std::lower_bound(sorted.begin(), sorted.end(), classes.front().lower);
+    for (ClassRange &r : classes) {
+        const auto to = std::upper_bound(from, sorted.end(), r.upper);
+        r.count = int(to - from);
+        from = to;
     }
 }
 

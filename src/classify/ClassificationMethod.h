@@ -43,6 +43,7 @@ protected:
     struct Breaks {
         ClassifyStatus status = ClassifyStatus::Done;
         std::vector<ClassRange> ranges;  // lower, upper and valueText filled
+        std::vector<double> sorted;      // the sorted numbers, when the method made them
     };
 
 private:
@@ -57,5 +58,7 @@ const ClassificationMethod *methodById(const QString &id);
 // upper limit is not below it (class 1 also starts at its lower limit);
 // unique-value classes count equal values.
 void countElements(const FieldColumn &column, std::vector<ClassRange> &classes, bool uniqueValues);
+// The same over the column's non-null numbers already sorted.
+void countSorted(const std::vector<double> &sorted, std::vector<ClassRange> &classes);
 
 }  // namespace mervola::classify

@@ -88,7 +88,7 @@ QuantileMethod::Breaks QuantileMethod::calculateBreaks(const FieldColumn &column
                                                        Questions questions) const
 {
     Breaks out;
-    const std::vector<double> sorted = column.sortedNumbers();
+    std::vector<double> sorted = column.sortedNumbers();
     const int records = column.recordCount();
     if (sorted.empty() || classCount <= 0) {
         out.status = ClassifyStatus::NoData;
@@ -109,6 +109,7 @@ QuantileMethod::Breaks QuantileMethod::calculateBreaks(const FieldColumn &column
         }
     }
     out.ranges = rangesFromBreaks(sorted.front(), breaks);
+    out.sorted = std::move(sorted);
     return out;
 }
 
