@@ -3,7 +3,6 @@
 #include "classify/ClassificationMethod.h"
 #include "classify/ClassifyTexts.h"
 #include "classify/ColorRamp.h"
-#include "classify/Ripristina.h"
 #include "classify/ui/FrmModFlx.h"
 #include "classify/ui/HistogramWidget.h"
 #include "platform/Messages.h"
@@ -19,6 +18,7 @@
 #include <QPushButton>
 #include <QTableWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace mervola::classify {
 
