@@ -11,9 +11,11 @@
 #include <QDate>
 #include <cstdio>
 
-namespace mervola::cli {
+namespace mervola::cli
+{
 
-namespace {
+namespace
+{
 
 QString csvField(const QVariant &v)
 {
@@ -21,14 +23,23 @@ QString csvField(const QVariant &v)
         return {};
     QString s;
     switch (v.typeId()) {
-    case QMetaType::Double: s = dbfvalues::formatNumber(v.toDouble()); break;
-    case QMetaType::Bool: s = v.toBool() ? QStringLiteral("-1") : QStringLiteral("0"); break;
-    case QMetaType::QDate: s = v.toDate().toString(Qt::ISODate); break;
-    case QMetaType::QByteArray: s = QString::fromLatin1(v.toByteArray().toHex()); break;
-    default: s = v.toString();
+    case QMetaType::Double:
+        s = dbfvalues::formatNumber(v.toDouble());
+        break;
+    case QMetaType::Bool:
+        s = v.toBool() ? QStringLiteral("-1") : QStringLiteral("0");
+        break;
+    case QMetaType::QDate:
+        s = v.toDate().toString(Qt::ISODate);
+        break;
+    case QMetaType::QByteArray:
+        s = QString::fromLatin1(v.toByteArray().toHex());
+        break;
+    default:
+        s = v.toString();
     }
-    if (s.contains(QLatin1Char(',')) || s.contains(QLatin1Char('"')) || s.contains(QLatin1Char('\n'))
-        || s.contains(QLatin1Char('\r'))) {
+    if (s.contains(QLatin1Char(',')) || s.contains(QLatin1Char('"')) || s.contains(QLatin1Char('\n')) ||
+        s.contains(QLatin1Char('\r'))) {
         s.replace(QLatin1Char('"'), QStringLiteral("\"\""));
         s = QLatin1Char('"') + s + QLatin1Char('"');
     }
@@ -76,8 +87,8 @@ QString statementOf(const QStringList &args)
 bool returnsRows(const QString &sqliteText)
 {
     const auto t = dbfsql::tokenize(sqliteText);
-    return !t.isEmpty()
-           && (t[0].isWord("SELECT") || t[0].isWord("WITH") || t[0].isWord("PRAGMA") || t[0].isWord("VALUES"));
+    return !t.isEmpty() &&
+           (t[0].isWord("SELECT") || t[0].isWord("WITH") || t[0].isWord("PRAGMA") || t[0].isWord("VALUES"));
 }
 
 int runOnFolder(const QString &dir, const QString &sql)
@@ -114,7 +125,7 @@ int runOnReferenceDb(const QString &home, const QString &sql)
     return 0;
 }
 
-}  // namespace
+} // namespace
 
 int cmdSql(const QStringList &args)
 {
@@ -123,12 +134,12 @@ int cmdSql(const QStringList &args)
     const QString sql = statementOf(args);
     if (!folder.isEmpty() && !home.isEmpty())
         return fail(QStringLiteral("indicare --folder oppure --home, non entrambi."));
-    if ((flag(args, QStringLiteral("--folder")) && folder.isEmpty())
-        || (flag(args, QStringLiteral("--home")) && home.isEmpty()))
+    if ((flag(args, QStringLiteral("--folder")) && folder.isEmpty()) ||
+        (flag(args, QStringLiteral("--home")) && home.isEmpty()))
         return fail(QStringLiteral("manca la cartella dopo --folder o --home."));
     if (sql.trimmed().isEmpty())
         return fail(QStringLiteral("manca l'istruzione SQL."));
     return folder.isEmpty() ? runOnReferenceDb(home, sql) : runOnFolder(folder, sql);
 }
 
-}  // namespace mervola::cli
+} // namespace mervola::cli

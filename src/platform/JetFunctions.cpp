@@ -6,9 +6,11 @@
 #include <cmath>
 #include <sqlite3.h>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 // Welford's running mean and sum of squares: stable for large values.
 struct VarianceState {
@@ -37,17 +39,29 @@ void finishVariance(sqlite3_context *ctx, bool sample, bool root)
     const sqlite3_int64 n = s ? s->n : 0;
     const sqlite3_int64 divisor = sample ? n - 1 : n;
     if (divisor <= 0) {
-        sqlite3_result_null(ctx);  // Jet gives Null for Var of fewer than two values
+        sqlite3_result_null(ctx); // Jet gives Null for Var of fewer than two values
         return;
     }
     const double v = std::max(0.0, s->m2 / double(divisor));
     sqlite3_result_double(ctx, root ? std::sqrt(v) : v);
 }
 
-void varSampleFinal(sqlite3_context *c) { finishVariance(c, true, false); }
-void stdevSampleFinal(sqlite3_context *c) { finishVariance(c, true, true); }
-void varPopFinal(sqlite3_context *c) { finishVariance(c, false, false); }
-void stdevPopFinal(sqlite3_context *c) { finishVariance(c, false, true); }
+void varSampleFinal(sqlite3_context *c)
+{
+    finishVariance(c, true, false);
+}
+void stdevSampleFinal(sqlite3_context *c)
+{
+    finishVariance(c, true, true);
+}
+void varPopFinal(sqlite3_context *c)
+{
+    finishVariance(c, false, false);
+}
+void stdevPopFinal(sqlite3_context *c)
+{
+    finishVariance(c, false, true);
+}
 
 QString textArg(sqlite3_value *v)
 {
@@ -189,17 +203,17 @@ void fixFn(sqlite3_context *c, int n, sqlite3_value **a)
 
 void addScalar(sqlite3 *db, const char *name, int nargs, void (*fn)(sqlite3_context *, int, sqlite3_value **))
 {
-    sqlite3_create_function_v2(db, name, nargs, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, fn, nullptr,
-                               nullptr, nullptr);
+    sqlite3_create_function_v2(db, name, nargs, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, fn, nullptr, nullptr,
+                               nullptr);
 }
 
 void addAggregate(sqlite3 *db, const char *name, void (*final)(sqlite3_context *))
 {
-    sqlite3_create_function_v2(db, name, 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, nullptr, varianceStep,
-                               final, nullptr);
+    sqlite3_create_function_v2(db, name, 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, nullptr, varianceStep, final,
+                               nullptr);
 }
 
-}  // namespace
+} // namespace
 
 void registerJetFunctions(sqlite3 *db)
 {
@@ -223,4 +237,4 @@ void registerJetFunctions(sqlite3 *db)
     addScalar(db, "Fix", 1, fixFn);
 }
 
-}  // namespace mervola
+} // namespace mervola

@@ -7,9 +7,11 @@
 #include <QFile>
 #include <QFileInfo>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 // Text columns compare without regard to case, as Jet's do.
 const char *const kSchema = R"SQL(
@@ -41,7 +43,7 @@ CREATE VIEW qrySelezioneIndicatoriFonti AS
   ORDER BY I.cod_ind;
 )SQL";
 
-}  // namespace
+} // namespace
 
 QString ReferenceDb::toSqlite(const QString &jetSql)
 {
@@ -109,4 +111,4 @@ Status ReferenceDb::executeAll(const QStringList &jetStatements) const
     return db->commit();
 }
 
-}  // namespace mervola
+} // namespace mervola

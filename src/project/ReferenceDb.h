@@ -8,9 +8,11 @@
 #include "platform/Result.h"
 #include "platform/Sqlite.h"
 
-namespace mervola {
+namespace mervola
+{
 
-class ReferenceDb {
+class ReferenceDb
+{
 public:
     explicit ReferenceDb(QString path) : m_path(std::move(path)) {}
     explicit ReferenceDb(const AtlasHome &home) : m_path(home.referenceDb()) {}
@@ -39,4 +41,4 @@ private:
     QString m_path;
 };
 
-}  // namespace mervola
+} // namespace mervola

@@ -10,7 +10,8 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
 struct Run {
     int code;
@@ -21,14 +22,15 @@ struct Run {
 Run sql(const QStringList &args)
 {
     Run r;
-    r.code = test::runProgram(QStringLiteral(MERVOLA_CLI), QStringList{QStringLiteral("sql")} + args, &r.out, &r.err,
-                              60000);
+    r.code =
+        test::runProgram(QStringLiteral(MERVOLA_CLI), QStringList{QStringLiteral("sql")} + args, &r.out, &r.err, 60000);
     return r;
 }
 
-}  // namespace
+} // namespace
 
-class TestSqlCli : public QObject {
+class TestSqlCli : public QObject
+{
     Q_OBJECT
 
     QTemporaryDir m_dir;
@@ -63,7 +65,8 @@ private slots:
     void folderWritingStatement()
     {
         const QString folder = m_dir.filePath(QStringLiteral("folder"));
-        Run r = sql({QStringLiteral("--folder"), folder, QStringLiteral("UPDATE comuni SET POP = 7 WHERE POP IS NULL")});
+        Run r =
+            sql({QStringLiteral("--folder"), folder, QStringLiteral("UPDATE comuni SET POP = 7 WHERE POP IS NULL")});
         QCOMPARE(r.code, 0);
         QCOMPARE(r.out, QString());
         QVERIFY2(r.err.contains(QStringLiteral("1 record modificati")), qPrintable(r.err));
@@ -81,8 +84,7 @@ private slots:
         QTest::newRow("missing field") << QStringList{"--folder", folder, "select nulla from comuni"}
                                        << "Campo non trovato: nulla";
         QTest::newRow("no statement") << QStringList{"--folder", folder} << "manca l'istruzione SQL";
-        QTest::newRow("both places") << QStringList{"--folder", folder, "--home", folder, "select 1"}
-                                     << "non entrambi";
+        QTest::newRow("both places") << QStringList{"--folder", folder, "--home", folder, "select 1"} << "non entrambi";
         QTest::newRow("no reference database")
             << QStringList{"--home", m_dir.filePath(QStringLiteral("nessuna")), "select 1"}
             << "Database di riferimento non trovato";
@@ -100,8 +102,9 @@ private slots:
     void referenceDatabase()
     {
         const QString home = m_dir.filePath(QStringLiteral("home"));
-        Run r = sql({QStringLiteral("--home"), home,
-                     QStringLiteral("INSERT INTO CATEGORIE ([Codice Categoria], Categoria) VALUES ('01', 'Età, sesso')")});
+        Run r =
+            sql({QStringLiteral("--home"), home,
+                 QStringLiteral("INSERT INTO CATEGORIE ([Codice Categoria], Categoria) VALUES ('01', 'Età, sesso')")});
         QCOMPARE(r.code, 0);
         QVERIFY(r.err.contains(QStringLiteral("1 record modificati")));
         r = sql({QStringLiteral("--home"), home,

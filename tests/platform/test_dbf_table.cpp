@@ -4,13 +4,14 @@
 #include "support/TestSupport.h"
 
 #include <QDate>
-#include <ctime>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <ctime>
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
 QString fixture(const QString &name)
 {
@@ -21,22 +22,21 @@ QString fixture(const QString &name)
 DbfTable sampleTable()
 {
     DbfTable t;
-    t.fields = {{QStringLiteral("LABEL"), DbfType::Text, 30, 0},
-                {QStringLiteral("POP"), DbfType::Numeric, 9, 0},
-                {QStringLiteral("AREA"), DbfType::Numeric, 18, 5},
-                {QStringLiteral("QUOTA"), DbfType::Float, 12, 3},
-                {QStringLiteral("MONTANO"), DbfType::Logical, 1, 0},
-                {QStringLiteral("ISTITUITO"), DbfType::Date, 8, 0}};
-    t.rows.push_back({QStringLiteral("Città di Castello"), qlonglong(39000), 387.32145, 288.5, true,
-                      QDate(1861, 3, 17)});
+    t.fields = {
+        {QStringLiteral("LABEL"), DbfType::Text, 30, 0},     {QStringLiteral("POP"), DbfType::Numeric, 9, 0},
+        {QStringLiteral("AREA"), DbfType::Numeric, 18, 5},   {QStringLiteral("QUOTA"), DbfType::Float, 12, 3},
+        {QStringLiteral("MONTANO"), DbfType::Logical, 1, 0}, {QStringLiteral("ISTITUITO"), DbfType::Date, 8, 0}};
+    t.rows.push_back(
+        {QStringLiteral("Città di Castello"), qlonglong(39000), 387.32145, 288.5, true, QDate(1861, 3, 17)});
     t.rows.push_back({QStringLiteral("Valle d'Aosta"), qlonglong(-12), -0.5, QVariant(), false, QVariant()});
     t.rows.push_back({QVariant(), QVariant(), QVariant(), 1.25, QVariant(), QDate(2000, 1, 1)});
     return t;
 }
 
-}  // namespace
+} // namespace
 
-class TestDbfTable : public QObject {
+class TestDbfTable : public QObject
+{
     Q_OBJECT
 private slots:
     void realFixtures()
@@ -46,7 +46,7 @@ private slots:
             QSKIP("real fixtures not present");
         auto p = readDbf(people);
         QVERIFY2(p.ok(), qPrintable(p.errorMessage()));
-        QCOMPARE(p->rowCount(), size_t(2));  // the third record is deleted
+        QCOMPARE(p->rowCount(), size_t(2)); // the third record is deleted
         QCOMPARE(p->fields[1].type, DbfType::Date);
         QCOMPARE(p->rows[1][1].toDate(), QDate(1980, 11, 12));
 
@@ -76,7 +76,8 @@ private slots:
         auto t = readDbf(copy);
         QVERIFY(t.ok());
         QVERIFY(writeDbf(copy, *t).ok());
-        QVERIFY(test::readFile(copy).contains(QByteArray("\xD1" "and\xFA")));  // still one byte per letter
+        QVERIFY(test::readFile(copy).contains(QByteArray("\xD1"
+                                                         "and\xFA"))); // still one byte per letter
         auto again = readDbf(copy);
         QVERIFY(again.ok());
         QCOMPARE(again->rows[0][1].toString(), QStringLiteral("Ñandú"));
@@ -142,7 +143,7 @@ private slots:
         QVERIFY(!QFileInfo::exists(path));
         t.fields.removeLast();
         if (fieldCount == 256)
-            QVERIFY(writeDbf(path, t).ok());  // 255 is the largest accepted count
+            QVERIFY(writeDbf(path, t).ok()); // 255 is the largest accepted count
     }
 
     void valueThatDoesNotFitKeepsOldFile()
@@ -152,7 +153,7 @@ private slots:
         DbfTable t = sampleTable();
         QVERIFY(writeDbf(path, t).ok());
         const QByteArray before = test::readFile(path);
-        t.rows[0][1] = qlonglong(1234567890);  // 10 digits into N(9,0)
+        t.rows[0][1] = qlonglong(1234567890); // 10 digits into N(9,0)
         const Status s = writeDbf(path, t);
         QVERIFY(!s.ok());
         QVERIFY(s.errorMessage().contains(QStringLiteral("POP")));
@@ -168,7 +169,8 @@ private slots:
         QVERIFY(writeDbf(dir.filePath(QStringLiteral("COMUNI.dbf")), sampleTable()).ok());
         QCOMPARE(test::readFile(dir.filePath(QStringLiteral("COMUNI.shp"))), shp);
         QCOMPARE(test::readFile(dir.filePath(QStringLiteral("COMUNI.shx"))), shp);
-        QStringList entries = QDir(dir.path()).entryList(QDir::Files | QDir::Hidden | QDir::AllDirs | QDir::NoDotAndDotDot);
+        QStringList entries =
+            QDir(dir.path()).entryList(QDir::Files | QDir::Hidden | QDir::AllDirs | QDir::NoDotAndDotDot);
         entries.sort();
         QCOMPARE(entries, (QStringList{"COMUNI.cpg", "COMUNI.dbf", "COMUNI.shp", "COMUNI.shx"}));
     }
@@ -187,7 +189,7 @@ private slots:
         }
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("big.dbf"));
-        QVERIFY(writeDbf(dir.filePath(QStringLiteral("warm.dbf")), sampleTable()).ok());  // drivers registered
+        QVERIFY(writeDbf(dir.filePath(QStringLiteral("warm.dbf")), sampleTable()).ok()); // drivers registered
         // Processor time, so that a busy machine does not distort the figures.
         const auto cpuMs = [] { return qint64(std::clock() * 1000.0 / CLOCKS_PER_SEC); };
         qint64 start = cpuMs();
@@ -199,7 +201,7 @@ private slots:
         QVERIFY(r.ok());
         QCOMPARE(r->rowCount(), size_t(7899));
         qInfo("7899 x 40: write %lld ms, read %lld ms (processor time)", writeMs, readMs);
-        QVERIFY(readMs < 1000 && writeMs < 1000);  // loose bound: sanitizer builds are slow
+        QVERIFY(readMs < 1000 && writeMs < 1000); // loose bound: sanitizer builds are slow
     }
 };
 

@@ -8,7 +8,8 @@
 
 using namespace mervola;
 
-class TestReferenceDb : public QObject {
+class TestReferenceDb : public QObject
+{
     Q_OBJECT
 
     QTemporaryDir m_dir;
@@ -39,20 +40,22 @@ private slots:
     void statementsRun_data()
     {
         QTest::addColumn<QString>("sql");
-        QTest::addColumn<int>("rows");  // rows returned, or -1 for a statement without rows
+        QTest::addColumn<int>("rows"); // rows returned, or -1 for a statement without rows
         const QString structjoin = QStringLiteral(
             "INSERT INTO STRUCTJOIN (INCLUSO,NOMECAMPO,ALIASCAMPO,TIPOCAMPO,STRTIPOCAMPO,CONFLITTO,NOMECONFLITTO,PATH,"
             "FILE,TIPOFONTE,COLLEGATOAPATH,COLLEGATOAFILE) VALUES ");
         QTest::newRow("structures") << "Select Label,Alias,Tabella,Tematizza,Fieldjoin from STRUTTURE" << 2;
         QTest::newRow("join fields") << "Select ALIAS, FIELDJOIN from strutture where TABELLA = 'COMMONT' And "
-                                        "FIELDJOIN = True" << 1;
+                                        "FIELDJOIN = True"
+                                     << 1;
         QTest::newRow("theme alias") << "Select alias from aliastemi where nometemaoriginale ='COMMONT'" << 1;
         QTest::newRow("theme of alias") << "SELECT NOMETEMAORIGINALE FROM ALIASTEMI WHERE ALIAS = 'COMUNITà MONTANE'"
                                         << 1;
         QTest::newRow("indicator") << "Select ind from INDICATORI where cod_ind ='01010'" << 1;
         QTest::newRow("category name") << "Select Categoria from Categorie where [Codice Categoria] = '01'" << 1;
         QTest::newRow("indicator code") << "Select cod_ind from INDICATORI where ind ='popolazione residente' and "
-                                           "Cat = 'Popolazione'" << 1;
+                                           "Cat = 'Popolazione'"
+                                        << 1;
         QTest::newRow("categories") << "SELECT * FROM CATEGORIE" << 1;
         QTest::newRow("stored categories") << "SELECT * FROM qryTutteCategorie" << 1;
         QTest::newRow("stored indicators") << "SELECT COD_IND FROM qrySelezioneIndicatoriFonti" << 1;
@@ -60,26 +63,33 @@ private slots:
         QTest::newRow("clear staging") << "DELETE * FROM STRUCTJOIN" << -1;
         QTest::newRow("stage field")
             << structjoin + "(-1,'NOME','NOME',10,'Alfanumerico',0,'','/dati/ext','ext.dbf','Dbase IV;',"
-                            "'/home/italia','commont' );" << -1;
+                            "'/home/italia','commont' );"
+            << -1;
         QTest::newRow("stage conflict")
             << structjoin + "(True,'POP','POP',7,'Numerico',True,'zPOP','/dati/ext','ext.dbf','Dbase IV;',"
-                            "'/home/italia','commont' );" << -1;
+                            "'/home/italia','commont' );"
+            << -1;
         QTest::newRow("staged") << "Select * from STRUCTJOIN " << 2;
         QTest::newRow("included") << "Select * from structjoin where INCLUSO=-1" << 2;
         QTest::newRow("conflicts") << "Select * from structjoin where CONFLITTO=-1" << 1;
         QTest::newRow("included of theme") << "Select * from structjoin where (INCLUSO=-1 and collegatoAFile = "
-                                              "'COMMONT')" << 2;
+                                              "'COMMONT')"
+                                           << 2;
         QTest::newRow("of theme") << "Select * from structjoin where collegatoAFile = 'commont'" << 2;
         QTest::newRow("conflict window") << "select NOMECAMPO,ALIASCAMPO,NOMECONFLITTO from STRUCTJOIN WHERE "
-                                            "CONFLITTO=-1" << 1;
+                                            "CONFLITTO=-1"
+                                         << 1;
         QTest::newRow("wizard grid") << "select INCLUSO as Includere,NOMECAMPO as Campo,ALIASCAMPO as Alias,"
-                                        "strtipocampo as Formato, tipocampo from STRUCTJOIN" << 2;
+                                        "strtipocampo as Formato, tipocampo from STRUCTJOIN"
+                                     << 2;
         QTest::newRow("added field") << "INSERT INTO CAMPIJOIN (DBF,CAMPOAGGIUNTO,INDICELAYER,PATH) VALUES "
-                                        "('commont', 'NOME',2, '/home/italia' );" << -1;
+                                        "('commont', 'NOME',2, '/home/italia' );"
+                                     << -1;
         QTest::newRow("joined tables") << "Select distinct DBF from CAMPIJOIN WHERE DBF='COMMONT'" << 1;
         QTest::newRow("join record") << "INSERT INTO LISTAJOIN (PATHDB,NOMEDB,NOMETABELLA,CAMPOJOININT,CAMPOJOINEXT,"
                                         "SHPCOLLEGATO) VALUES ('/dati/ext', 'ext.dbf', 'ext.dbf', 'PROG_MONT', "
-                                        "'CODICE', 'commont.shp');" << -1;
+                                        "'CODICE', 'commont.shp');"
+                                     << -1;
         QTest::newRow("join of theme") << "Select * from ListaJoin where shpCollegato = 'COMMONT.SHP'" << 1;
         QTest::newRow("all added fields") << "Select * from CAMPIJOIN " << 1;
         QTest::newRow("remove theme join") << "Delete * from CAMPIJOIN WHERE DBF='COMMONT'" << -1;
@@ -111,8 +121,8 @@ private slots:
         auto rs = ReferenceDb(m_path).query(
             QStringLiteral("Select Label,Alias,Tabella,Tematizza,Fieldjoin from STRUTTURE order by Label"));
         QVERIFY(rs.ok());
-        QCOMPARE(rs->value(0, QStringLiteral("fieldjoin")).toInt(), 0);   // POP
-        QCOMPARE(rs->value(1, QStringLiteral("FIELDJOIN")).toInt(), -1);  // PROG_MONT
+        QCOMPARE(rs->value(0, QStringLiteral("fieldjoin")).toInt(), 0);  // POP
+        QCOMPARE(rs->value(1, QStringLiteral("FIELDJOIN")).toInt(), -1); // PROG_MONT
         QCOMPARE(rs->value(0, QStringLiteral("Tematizza")).toInt(), -1);
     }
 

@@ -10,11 +10,13 @@
 #include <QHash>
 #include <sqlite3.h>
 
-namespace mervola {
+namespace mervola
+{
 
 using dbfsql::Kind;
 
-namespace {
+namespace
+{
 
 struct LoadedTable {
     QString path;
@@ -23,7 +25,10 @@ struct LoadedTable {
     DbfTable table;
 };
 
-QString key(const QString &name) { return name.toLower(); }
+QString key(const QString &name)
+{
+    return name.toLower();
+}
 
 bool hasShapefile(const QString &dbfPath)
 {
@@ -32,12 +37,12 @@ bool hasShapefile(const QString &dbfPath)
     return !shp.isEmpty();
 }
 
-}  // namespace
+} // namespace
 
 struct DbfFolder::Impl {
     QString folder;
     SqliteDb db;
-    QHash<QString, LoadedTable> loaded;  // by lower-case table name
+    QHash<QString, LoadedTable> loaded; // by lower-case table name
 
     QHash<QString, QString> listFiles() const
     {
@@ -139,7 +144,10 @@ DbfFolder::~DbfFolder() = default;
 DbfFolder::DbfFolder(DbfFolder &&) noexcept = default;
 DbfFolder &DbfFolder::operator=(DbfFolder &&) noexcept = default;
 
-QString DbfFolder::folder() const { return d->folder; }
+QString DbfFolder::folder() const
+{
+    return d->folder;
+}
 
 QStringList DbfFolder::tableNames() const
 {
@@ -151,7 +159,10 @@ QStringList DbfFolder::tableNames() const
     return names;
 }
 
-QString DbfFolder::tablePath(const QString &name) const { return d->listFiles().value(key(name)); }
+QString DbfFolder::tablePath(const QString &name) const
+{
+    return d->listFiles().value(key(name));
+}
 
 bool DbfFolder::returnsRows(const QString &sql)
 {
@@ -184,12 +195,16 @@ Result<int> DbfFolder::run(const QString &sql)
             return Result<int>::fail(dbfvalues::italianSqlError(rows.errorMessage()), rows.error().code);
         return 0;
     }
-    case Kind::SelectInto: return d->selectInto(*st);
+    case Kind::SelectInto:
+        return d->selectInto(*st);
     case Kind::Insert:
     case Kind::Update:
-    case Kind::Delete: return d->modify(*st);
-    case Kind::DropTable: return d->dropTable(*st);
-    case Kind::Other: break;
+    case Kind::Delete:
+        return d->modify(*st);
+    case Kind::DropTable:
+        return d->dropTable(*st);
+    case Kind::Other:
+        break;
     }
     return Result<int>::fail(QStringLiteral("Istruzione non supportata su una cartella dBase: %1").arg(sql));
 }
@@ -287,4 +302,4 @@ Result<int> DbfFolder::Impl::dropTable(const dbfsql::Statement &st)
     return 0;
 }
 
-}  // namespace mervola
+} // namespace mervola

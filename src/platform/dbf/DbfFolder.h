@@ -16,9 +16,11 @@
 #include <QStringList>
 #include <memory>
 
-namespace mervola {
+namespace mervola
+{
 
-class DbfFolder {
+class DbfFolder
+{
 public:
     explicit DbfFolder(QString folder);
     ~DbfFolder();
@@ -47,4 +49,4 @@ private:
     std::unique_ptr<Impl> d;
 };
 
-}  // namespace mervola
+} // namespace mervola

@@ -5,7 +5,8 @@
 #include <gdal.h>
 #include <mutex>
 
-namespace mervola::dbfdetail {
+namespace mervola::dbfdetail
+{
 
 void ensureGdal()
 {
@@ -19,9 +20,15 @@ GdalErrorScope::GdalErrorScope()
     CPLErrorReset();
 }
 
-GdalErrorScope::~GdalErrorScope() { CPLPopErrorHandler(); }
+GdalErrorScope::~GdalErrorScope()
+{
+    CPLPopErrorHandler();
+}
 
-QString GdalErrorScope::lastMessage() const { return QString::fromUtf8(CPLGetLastErrorMsg()); }
+QString GdalErrorScope::lastMessage() const
+{
+    return QString::fromUtf8(CPLGetLastErrorMsg());
+}
 
 QByteArray nativeFieldTypes(const QString &dbfPath)
 {
@@ -59,4 +66,4 @@ bool isLatin1Encoding(const QString &encoding)
     return e == QLatin1String("ISO88591") || e == QLatin1String("LATIN1") || e == QLatin1String("88591");
 }
 
-}  // namespace mervola::dbfdetail
+} // namespace mervola::dbfdetail

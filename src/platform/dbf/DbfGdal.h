@@ -3,19 +3,21 @@
 
 #include <QString>
 
-namespace mervola::dbfdetail {
+namespace mervola::dbfdetail
+{
 
 // Registers the GDAL drivers once per process.
 void ensureGdal();
 
 // Silences GDAL's console output for its lifetime and keeps the last error.
-class GdalErrorScope {
+class GdalErrorScope
+{
 public:
     GdalErrorScope();
     ~GdalErrorScope();
     GdalErrorScope(const GdalErrorScope &) = delete;
     GdalErrorScope &operator=(const GdalErrorScope &) = delete;
-    QString lastMessage() const;  // GDAL's own text, empty when none
+    QString lastMessage() const; // GDAL's own text, empty when none
 };
 
 // The header's declared field types, in field order ('C', 'N', 'F', 'L', 'D', 'M' ...).
@@ -25,4 +27,4 @@ QByteArray nativeFieldTypes(const QString &dbfPath);
 bool isUtf8Encoding(const QString &encoding);
 bool isLatin1Encoding(const QString &encoding);
 
-}  // namespace mervola::dbfdetail
+} // namespace mervola::dbfdetail

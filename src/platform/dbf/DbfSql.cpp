@@ -4,12 +4,20 @@
 
 #include <QSet>
 
-namespace mervola::dbfsql {
+namespace mervola::dbfsql
+{
 
-namespace {
+namespace
+{
 
-bool isIdentStart(QChar c) { return c.isLetter() || c == QLatin1Char('_') || c == QLatin1Char('$'); }
-bool isIdentChar(QChar c) { return c.isLetterOrNumber() || c == QLatin1Char('_') || c == QLatin1Char('$'); }
+bool isIdentStart(QChar c)
+{
+    return c.isLetter() || c == QLatin1Char('_') || c == QLatin1Char('$');
+}
+bool isIdentChar(QChar c)
+{
+    return c.isLetterOrNumber() || c == QLatin1Char('_') || c == QLatin1Char('$');
+}
 
 // Span of a quoted run starting at i (close char doubled inside = escape).
 int quotedEnd(const QString &s, int i, QChar close, bool doubling)
@@ -37,7 +45,7 @@ QString unquote(const QString &s, int start, int end, QChar close)
     return inner;
 }
 
-}  // namespace
+} // namespace
 
 QList<Token> tokenize(const QString &sql)
 {
@@ -83,10 +91,14 @@ QList<Token> tokenize(const QString &sql)
     return out;
 }
 
-namespace {
+namespace
+{
 
 // Replaces the text between two offsets.
-void splice(QString &sql, int start, int end, const QString &with) { sql.replace(start, end - start, with); }
+void splice(QString &sql, int start, int end, const QString &with)
+{
+    sql.replace(start, end - start, with);
+}
 
 // "comuni.dbf" and "[comuni.dbf]" name the table comuni of the folder.
 QString stripDbfSuffixes(QString sql, const std::function<bool(const QString &)> &isTable)
@@ -97,8 +109,8 @@ QString stripDbfSuffixes(QString sql, const std::function<bool(const QString &)>
             const QString base = t[k].text.chopped(4);
             if (isTable(base))
                 splice(sql, t[k].start, t[k].end(), QLatin1Char('[') + base + QLatin1Char(']'));
-        } else if (k >= 2 && t[k].isWord("dbf") && t[k - 1].text == QLatin1String(".") && t[k - 2].isName()
-                   && t[k - 1].start == t[k - 2].end() && t[k].start == t[k - 1].end() && isTable(t[k - 2].text)) {
+        } else if (k >= 2 && t[k].isWord("dbf") && t[k - 1].text == QLatin1String(".") && t[k - 2].isName() &&
+                   t[k - 1].start == t[k - 2].end() && t[k].start == t[k - 1].end() && isTable(t[k - 2].text)) {
             splice(sql, t[k - 1].start, t[k].end(), QString());
             k -= 2;
         }
@@ -166,7 +178,7 @@ int topLevelInto(const QList<Token> &t)
     return -1;
 }
 
-}  // namespace
+} // namespace
 
 Statement analyze(const QString &jetSql, const std::function<bool(const QString &)> &isTable)
 {
@@ -223,8 +235,8 @@ QString bracketNumericTableNames(const QString &sql)
     const QList<Token> t = tokenize(sql);
     for (int k = int(t.size()) - 1; k >= 1; --k) {
         const Token &prev = t[k - 1];
-        const bool afterTableKeyword = prev.isWord("FROM") || prev.isWord("JOIN") || prev.isWord("INTO")
-                                       || prev.isWord("UPDATE") || prev.isWord("TABLE");
+        const bool afterTableKeyword = prev.isWord("FROM") || prev.isWord("JOIN") || prev.isWord("INTO") ||
+                                       prev.isWord("UPDATE") || prev.isWord("TABLE");
         if (afterTableKeyword && t[k].kind == Token::Number)
             splice(out, t[k].start, t[k].end(), QLatin1Char('[') + t[k].text + QLatin1Char(']'));
     }
@@ -251,4 +263,4 @@ QStringList dbaseFieldNames(const QStringList &columnNames)
     return out;
 }
 
-}  // namespace mervola::dbfsql
+} // namespace mervola::dbfsql

@@ -7,16 +7,20 @@
 #include <QStringList>
 #include <functional>
 
-namespace mervola::dbfsql {
+namespace mervola::dbfsql
+{
 
 struct Token {
     enum Kind { Word, Identifier, String, Number, Symbol };
     Kind kind;
     int start;
     int length;
-    QString text;  // identifiers without their [ ] or " ", words as written
+    QString text; // identifiers without their [ ] or " ", words as written
 
-    bool isWord(const char *w) const { return kind == Word && text.compare(QLatin1String(w), Qt::CaseInsensitive) == 0; }
+    bool isWord(const char *w) const
+    {
+        return kind == Word && text.compare(QLatin1String(w), Qt::CaseInsensitive) == 0;
+    }
     bool isName() const { return kind == Word || kind == Identifier; }
     int end() const { return start + length; }
 };
@@ -28,10 +32,10 @@ enum class Kind { Select, SelectInto, Insert, Update, Delete, DropTable, Other }
 
 struct Statement {
     Kind kind = Kind::Other;
-    QString sql;         // SQLite text to run (the INTO clause of SELECT ... INTO removed)
-    QString target;        // the table that is written, created or dropped
-    QString targetFolder;  // SELECT ... INTO [dBase IV;DATABASE=folder].[name]: that folder
-    QStringList names;   // every name in the statement (candidate table names)
+    QString sql;          // SQLite text to run (the INTO clause of SELECT ... INTO removed)
+    QString target;       // the table that is written, created or dropped
+    QString targetFolder; // SELECT ... INTO [dBase IV;DATABASE=folder].[name]: that folder
+    QStringList names;    // every name in the statement (candidate table names)
 };
 
 // Translates the Jet dialect, rewrites "name.dbf" references to tables of the
@@ -48,4 +52,4 @@ QString bracketNumericTableNames(const QString &sql);
 // LABEL_1), expressions named Expr1000, Expr1001 ... as Jet names them.
 QStringList dbaseFieldNames(const QStringList &columnNames);
 
-}  // namespace mervola::dbfsql
+} // namespace mervola::dbfsql

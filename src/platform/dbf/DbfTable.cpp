@@ -9,7 +9,8 @@
 #include <cmath>
 #include <ogrsf_frmts.h>
 
-namespace mervola {
+namespace mervola
+{
 
 using namespace dbfdetail;
 
@@ -27,37 +28,56 @@ QString cpgPathFor(const QString &dbfPath)
     return resolveCaseInsensitive(fi.path(), fi.completeBaseName() + QStringLiteral(".cpg"));
 }
 
-namespace {
+namespace
+{
 
 DbfType typeFromNative(char native, OGRFieldType ogrType)
 {
     switch (native) {
-    case 'C': return DbfType::Text;
-    case 'N': return DbfType::Numeric;
-    case 'F': return DbfType::Float;
-    case 'L': return DbfType::Logical;
-    case 'D': return DbfType::Date;
-    default: break;
+    case 'C':
+        return DbfType::Text;
+    case 'N':
+        return DbfType::Numeric;
+    case 'F':
+        return DbfType::Float;
+    case 'L':
+        return DbfType::Logical;
+    case 'D':
+        return DbfType::Date;
+    default:
+        break;
     }
     switch (ogrType) {
     case OFTInteger:
     case OFTInteger64:
-    case OFTReal: return DbfType::Numeric;
-    case OFTDate: return DbfType::Date;
-    default: return DbfType::Text;
+    case OFTReal:
+        return DbfType::Numeric;
+    case OFTDate:
+        return DbfType::Date;
+    default:
+        return DbfType::Text;
     }
 }
 
 QVariant logicalValue(const char *s)
 {
     switch (s[0]) {
-    case 'T': case 't': case 'Y': case 'y': return QVariant(true);
-    case 'F': case 'f': case 'N': case 'n': return QVariant(false);
-    default: return {};  // '?' or blank: not set
+    case 'T':
+    case 't':
+    case 'Y':
+    case 'y':
+        return QVariant(true);
+    case 'F':
+    case 'f':
+    case 'N':
+    case 'n':
+        return QVariant(false);
+    default:
+        return {}; // '?' or blank: not set
     }
 }
 
-}  // namespace
+} // namespace
 
 Result<DbfTable> readDbf(const QString &path)
 {
@@ -67,8 +87,8 @@ Result<DbfTable> readDbf(const QString &path)
     ensureGdal();
     GdalErrorScope errors;
     const char *const drivers[] = {"ESRI Shapefile", nullptr};
-    GDALDatasetUniquePtr ds(GDALDataset::Open(path.toUtf8().constData(), GDAL_OF_VECTOR | GDAL_OF_READONLY,
-                                              drivers, nullptr, nullptr));
+    GDALDatasetUniquePtr ds(
+        GDALDataset::Open(path.toUtf8().constData(), GDAL_OF_VECTOR | GDAL_OF_READONLY, drivers, nullptr, nullptr));
     OGRLayer *layer = ds ? ds->GetLayer(0) : nullptr;
     if (!layer)
         return Result<DbfTable>::fail(
@@ -144,7 +164,9 @@ Result<DbfTable> readDbf(const QString &path)
                     cell = qlonglong(feature->GetFieldAsInteger64(i));
                 }
                 break;
-            case DbfType::Logical: cell = logicalValue(feature->GetFieldAsString(i)); break;
+            case DbfType::Logical:
+                cell = logicalValue(feature->GetFieldAsString(i));
+                break;
             case DbfType::Date: {
                 int y = 0, m = 0, d = 0, h = 0, mi = 0, tz = 0;
                 float s = 0;
@@ -170,16 +192,20 @@ Result<DbfTable> readDbf(const QString &path)
     return table;
 }
 
-namespace {
+namespace
+{
 
-int encodedLength(const QString &s, bool utf8) { return utf8 ? int(s.toUtf8().size()) : int(s.size()); }
+int encodedLength(const QString &s, bool utf8)
+{
+    return utf8 ? int(s.toUtf8().size()) : int(s.size());
+}
 
 // Characters needed to print a number with `decimals` digits after the point.
 int numericLength(double v, int decimals)
 {
     const double a = std::fabs(v);
     int intDigits = a < 1.0 ? 1 : int(std::floor(std::log10(a))) + 1;
-    if (a >= 1.0 && std::pow(10.0, intDigits - 1) > a)  // log10 rounding near powers of ten
+    if (a >= 1.0 && std::pow(10.0, intDigits - 1) > a) // log10 rounding near powers of ten
         --intDigits;
     return intDigits + (v < 0 ? 1 : 0) + (decimals > 0 ? decimals + 1 : 0);
 }
@@ -223,12 +249,13 @@ Status checkValue(const DbfField &f, const QVariant &v, bool utf8, bool latin1)
             return Status::fail(fieldError(f, QStringLiteral("il valore \"%1\" non è una data.").arg(v.toString())));
         return {};
     }
-    case DbfType::Logical: return {};
+    case DbfType::Logical:
+        return {};
     }
     return {};
 }
 
-}  // namespace
+} // namespace
 
 Status validateDbf(const DbfTable &table)
 {
@@ -245,17 +272,18 @@ Status validateDbf(const DbfTable &table)
         if (f.name.isEmpty())
             return Status::fail(QStringLiteral("Il campo %1 non ha nome.").arg(i + 1));
         if (encodedLength(f.name, utf8) > kDbfMaxFieldNameLength)
-            return Status::fail(QStringLiteral("Il nome del campo %1 supera i %2 caratteri ammessi in una tabella dBase.")
-                                    .arg(f.name)
-                                    .arg(kDbfMaxFieldNameLength));
+            return Status::fail(
+                QStringLiteral("Il nome del campo %1 supera i %2 caratteri ammessi in una tabella dBase.")
+                    .arg(f.name)
+                    .arg(kDbfMaxFieldNameLength));
         if (table.fieldIndex(f.name) != i)
             return Status::fail(QStringLiteral("Il campo %1 compare più volte nella tabella.").arg(f.name));
         const int maxWidth = f.type == DbfType::Text ? kDbfMaxTextWidth : kDbfMaxNumericWidth;
-        if ((f.type == DbfType::Text || f.type == DbfType::Numeric || f.type == DbfType::Float)
-            && (f.width < 1 || f.width > maxWidth))
+        if ((f.type == DbfType::Text || f.type == DbfType::Numeric || f.type == DbfType::Float) &&
+            (f.width < 1 || f.width > maxWidth))
             return Status::fail(fieldError(f, QStringLiteral("larghezza %1 non valida.").arg(f.width)));
-        if ((f.type == DbfType::Numeric || f.type == DbfType::Float)
-            && (f.decimals < 0 || (f.decimals > 0 && f.decimals > f.width - 2)))
+        if ((f.type == DbfType::Numeric || f.type == DbfType::Float) &&
+            (f.decimals < 0 || (f.decimals > 0 && f.decimals > f.width - 2)))
             return Status::fail(fieldError(f, QStringLiteral("numero di decimali %1 non valido.").arg(f.decimals)));
     }
     for (const auto &row : table.rows) {
@@ -271,4 +299,4 @@ Status validateDbf(const DbfTable &table)
     return {};
 }
 
-}  // namespace mervola
+} // namespace mervola

@@ -10,14 +10,15 @@
 #include <QVariant>
 #include <vector>
 
-namespace mervola {
+namespace mervola
+{
 
 enum class DbfType {
-    Text,     // C(width)          values: QString
-    Numeric,  // N(width,decimals) values: qlonglong when decimals == 0, else double
-    Float,    // F(width,decimals) values: double
-    Logical,  // L(1)              values: bool
-    Date,     // D(8)              values: QDate
+    Text,    // C(width)          values: QString
+    Numeric, // N(width,decimals) values: qlonglong when decimals == 0, else double
+    Float,   // F(width,decimals) values: double
+    Logical, // L(1)              values: bool
+    Date,    // D(8)              values: QDate
 };
 
 struct DbfField {
@@ -37,12 +38,12 @@ inline constexpr int kDbfMaxNumericWidth = 20;
 
 struct DbfTable {
     QList<DbfField> fields;
-    std::vector<std::vector<QVariant>> rows;  // null value = QVariant()
+    std::vector<std::vector<QVariant>> rows; // null value = QVariant()
     // Code page of the text values ("UTF-8", "ISO-8859-1", "CP1252" ...),
     // as read from the .cpg or the header's language driver. New tables use UTF-8.
     QString encoding = QStringLiteral("UTF-8");
 
-    int fieldIndex(const QString &name) const;  // case-insensitive, -1 when absent
+    int fieldIndex(const QString &name) const; // case-insensitive, -1 when absent
     int columnCount() const { return int(fields.size()); }
     size_t rowCount() const { return rows.size(); }
 };
@@ -63,4 +64,4 @@ Status writeDbf(const QString &path, const DbfTable &table);
 // regard to case, else the base name + ".cpg").
 QString cpgPathFor(const QString &dbfPath);
 
-}  // namespace mervola
+} // namespace mervola

@@ -8,18 +8,25 @@
 #include <cmath>
 #include <sqlite3.h>
 
-namespace mervola::dbfvalues {
+namespace mervola::dbfvalues
+{
 
-namespace {
+namespace
+{
 
 const char *sqlType(const DbfField &f)
 {
     switch (f.type) {
-    case DbfType::Text: return "TEXT COLLATE NOCASE";
-    case DbfType::Numeric: return f.decimals == 0 ? "INTEGER" : "REAL";
-    case DbfType::Float: return "REAL";
-    case DbfType::Logical: return "INTEGER";
-    case DbfType::Date: return "TEXT";
+    case DbfType::Text:
+        return "TEXT COLLATE NOCASE";
+    case DbfType::Numeric:
+        return f.decimals == 0 ? "INTEGER" : "REAL";
+    case DbfType::Float:
+        return "REAL";
+    case DbfType::Logical:
+        return "INTEGER";
+    case DbfType::Date:
+        return "TEXT";
     }
     return "TEXT";
 }
@@ -31,10 +38,16 @@ void bindCell(sqlite3_stmt *st, int index, const QVariant &v)
         return;
     }
     switch (v.typeId()) {
-    case QMetaType::Bool: sqlite3_bind_int(st, index, v.toBool() ? -1 : 0); break;
+    case QMetaType::Bool:
+        sqlite3_bind_int(st, index, v.toBool() ? -1 : 0);
+        break;
     case QMetaType::LongLong:
-    case QMetaType::Int: sqlite3_bind_int64(st, index, v.toLongLong()); break;
-    case QMetaType::Double: sqlite3_bind_double(st, index, v.toDouble()); break;
+    case QMetaType::Int:
+        sqlite3_bind_int64(st, index, v.toLongLong());
+        break;
+    case QMetaType::Double:
+        sqlite3_bind_double(st, index, v.toDouble());
+        break;
     case QMetaType::QDate: {
         const QByteArray iso = v.toDate().toString(Qt::ISODate).toUtf8();
         sqlite3_bind_text(st, index, iso.constData(), int(iso.size()), SQLITE_TRANSIENT);
@@ -50,16 +63,22 @@ void bindCell(sqlite3_stmt *st, int index, const QVariant &v)
 QVariant columnValue(sqlite3_stmt *st, int c)
 {
     switch (sqlite3_column_type(st, c)) {
-    case SQLITE_INTEGER: return QVariant(qlonglong(sqlite3_column_int64(st, c)));
-    case SQLITE_FLOAT: return QVariant(sqlite3_column_double(st, c));
-    case SQLITE_NULL: return {};
+    case SQLITE_INTEGER:
+        return QVariant(qlonglong(sqlite3_column_int64(st, c)));
+    case SQLITE_FLOAT:
+        return QVariant(sqlite3_column_double(st, c));
+    case SQLITE_NULL:
+        return {};
     default:
-        return QVariant(QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(st, c)),
-                                          sqlite3_column_bytes(st, c)));
+        return QVariant(
+            QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(st, c)), sqlite3_column_bytes(st, c)));
     }
 }
 
-QString lastError(sqlite3 *db) { return italianSqlError(QStringLiteral("Errore SQL: ") + QString::fromUtf8(sqlite3_errmsg(db))); }
+QString lastError(sqlite3 *db)
+{
+    return italianSqlError(QStringLiteral("Errore SQL: ") + QString::fromUtf8(sqlite3_errmsg(db)));
+}
 
 struct Statement {
     sqlite3_stmt *st = nullptr;
@@ -100,7 +119,7 @@ DbfField inferField(const QString &name, const std::vector<std::vector<QVariant>
             decimals};
 }
 
-}  // namespace
+} // namespace
 
 QString formatNumber(double value)
 {
@@ -144,7 +163,7 @@ QVariant toFieldValue(const DbfField &field, const QVariant &v)
         if (isText && v.toString().trimmed().isEmpty())
             return {};
         if (!ok)
-            return v;  // refused with a clear message when the table is checked
+            return v; // refused with a clear message when the table is checked
         if (field.type == DbfType::Numeric && field.decimals == 0 && std::fabs(d) < 9.2e18)
             return qlonglong(std::llround(d));
         return d;
@@ -271,4 +290,4 @@ Result<DbfTable> selectToTable(sqlite3 *db, const QString &sql, const QHash<QStr
     return out;
 }
 
-}  // namespace mervola::dbfvalues
+} // namespace mervola::dbfvalues

@@ -10,7 +10,8 @@
 
 struct sqlite3;
 
-namespace mervola::dbfvalues {
+namespace mervola::dbfvalues
+{
 
 // (Re)creates table `name` in SQLite with one column per field and fills it.
 // Text compares without regard to case, logical values are -1 / 0, dates ISO text.
@@ -33,4 +34,4 @@ QString formatNumber(double value);
 // SQLite's English error text made Italian for the user where it is a common case.
 QString italianSqlError(const QString &message);
 
-}  // namespace mervola::dbfvalues
+} // namespace mervola::dbfvalues

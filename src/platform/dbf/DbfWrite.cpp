@@ -19,11 +19,13 @@
 #include <filesystem>
 #include <ogrsf_frmts.h>
 
-namespace mervola {
+namespace mervola
+{
 
 using namespace dbfdetail;
 
-namespace {
+namespace
+{
 
 std::unique_ptr<OGRFieldDefn> ogrField(const DbfField &f)
 {
@@ -32,7 +34,8 @@ std::unique_ptr<OGRFieldDefn> ogrField(const DbfField &f)
     int width = f.width;
     int precision = 0;
     switch (f.type) {
-    case DbfType::Text: break;
+    case DbfType::Text:
+        break;
     case DbfType::Numeric:
     case DbfType::Float:
         precision = f.decimals;
@@ -41,7 +44,9 @@ std::unique_ptr<OGRFieldDefn> ogrField(const DbfField &f)
         else
             type = width <= 9 ? OFTInteger : OFTInteger64;
         break;
-    case DbfType::Logical: width = 1; break;  // header type patched to 'L' afterwards
+    case DbfType::Logical:
+        width = 1;
+        break; // header type patched to 'L' afterwards
     case DbfType::Date:
         type = OFTDate;
         width = 8;
@@ -57,14 +62,15 @@ bool logicalOf(const QVariant &v)
 {
     if (v.typeId() == QMetaType::QString) {
         const QString s = v.toString().trimmed().toUpper();
-        return !(s.isEmpty() || s == QLatin1String("0") || s.startsWith(QLatin1Char('F'))
-                 || s.startsWith(QLatin1Char('N')));
+        return !(s.isEmpty() || s == QLatin1String("0") || s.startsWith(QLatin1Char('F')) ||
+                 s.startsWith(QLatin1Char('N')));
     }
     return v.toDouble() != 0.0;
 }
 
 // Text in the table's code page.
-class TextEncoder {
+class TextEncoder
+{
 public:
     explicit TextEncoder(const QString &encoding)
         : m_utf8(isUtf8Encoding(encoding)), m_latin1(isLatin1Encoding(encoding)), m_name(encoding.toUtf8())
@@ -88,7 +94,7 @@ private:
 };
 
 struct Slot {
-    char type;  // as declared in the header
+    char type; // as declared in the header
     int offset;
     int width;
     int decimals;
@@ -129,7 +135,9 @@ bool putValue(char *out, const Slot &slot, const DbfField &f, const QVariant &v,
         std::memcpy(out + (w - len), buf, size_t(len));
         return true;
     }
-    case DbfType::Logical: out[0] = logicalOf(v) ? 'T' : 'F'; return true;
+    case DbfType::Logical:
+        out[0] = logicalOf(v) ? 'T' : 'F';
+        return true;
     case DbfType::Date: {
         const QDate d = v.typeId() == QMetaType::QDate ? v.toDate() : QDate::fromString(v.toString(), Qt::ISODate);
         if (!d.isValid() || d.year() < 0 || d.year() > 9999 || w != 8)
@@ -146,7 +154,9 @@ bool putValue(char *out, const Slot &slot, const DbfField &f, const QVariant &v,
 // here, with the declared type letters of logical and float fields restored.
 Status appendRecords(const QString &dbfPath, const DbfTable &table)
 {
-    const auto failed = [&] { return Status::fail(QStringLiteral("Errore nella scrittura della tabella %1.").arg(dbfPath)); };
+    const auto failed = [&] {
+        return Status::fail(QStringLiteral("Errore nella scrittura della tabella %1.").arg(dbfPath));
+    };
     QFile file(dbfPath);
     if (!file.open(QIODevice::ReadWrite))
         return failed();
@@ -190,8 +200,8 @@ Status appendRecords(const QString &dbfPath, const DbfTable &table)
         rec += recordLength;
     }
     records[records.size() - 1] = '\x1A';
-    if (!file.seek(0) || file.write(header) != header.size() || file.write(records) != records.size()
-        || !file.resize(qint64(headerLength) + records.size()))
+    if (!file.seek(0) || file.write(header) != header.size() || file.write(records) != records.size() ||
+        !file.resize(qint64(headerLength) + records.size()))
         return failed();
     return {};
 }
@@ -217,7 +227,7 @@ Status writeTemporary(const QString &tmpPath, const DbfTable &table)
         if (layer->CreateField(fd.get(), FALSE) != OGRERR_NONE)
             return Status::fail(QStringLiteral("Impossibile creare il campo %1. %2").arg(f.name, errors.lastMessage()));
     }
-    ds.reset();  // flushes and closes the files
+    ds.reset(); // flushes and closes the files
     return appendRecords(tmpPath, table);
 }
 
@@ -228,7 +238,7 @@ bool replaceFile(const QString &from, const QString &to)
     return !ec;
 }
 
-}  // namespace
+} // namespace
 
 Status writeDbf(const QString &path, const DbfTable &table)
 {
@@ -249,9 +259,9 @@ Status writeDbf(const QString &path, const DbfTable &table)
         if (!replaceFile(tmpCpg, cpg))
             return Status::fail(QStringLiteral("Impossibile scrivere la codifica della tabella %1.").arg(path));
     } else if (QFileInfo::exists(cpg)) {
-        QFile::remove(cpg);  // a stale code page would misread the new file
+        QFile::remove(cpg); // a stale code page would misread the new file
     }
     return {};
 }
 
-}  // namespace mervola
+} // namespace mervola
