@@ -85,6 +85,8 @@ private slots:
         QTest::newRow("bracketed") << "select [Label] from [Comuni] where [POP] = 20";
         QTest::newRow("file name") << "SELECT LABEL FROM comuni.dbf WHERE Pop = 20";
         QTest::newRow("text compares without case") << "select label from COMUNI where label = 'COURMAYEUR'";
+        // Città equals CITTÀ, so only Courmayeur sorts after it
+        QTest::newRow("accented letters too") << "select label from COMUNI where label > 'CITTÀ' and pop >= 20";
     }
     void namesCompareWithoutCase()
     {

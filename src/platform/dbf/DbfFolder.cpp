@@ -62,6 +62,7 @@ struct DbfFolder::Impl {
             return opened.error();
         db = std::move(*opened);
         registerJetFunctions(db.handle());
+        dbfvalues::registerJetTextCollation(db.handle());
         return {};
     }
 

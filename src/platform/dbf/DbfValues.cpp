@@ -18,7 +18,7 @@ const char *sqlType(const DbfField &f)
 {
     switch (f.type) {
     case DbfType::Text:
-        return "TEXT COLLATE NOCASE";
+        return "TEXT COLLATE JETTEXT";
     case DbfType::Numeric:
         return f.decimals == 0 ? "INTEGER" : "REAL";
     case DbfType::Float:
@@ -119,7 +119,33 @@ DbfField inferField(const QString &name, const std::vector<std::vector<QVariant>
             decimals};
 }
 
+// Jet compares text without regard to case, accented letters included.
+// ASCII text takes the same order as SQLite's NOCASE (letters folded to lower case).
+int jetTextCompare(void *, int n1, const void *p1, int n2, const void *p2)
+{
+    const auto *a = static_cast<const unsigned char *>(p1);
+    const auto *b = static_cast<const unsigned char *>(p2);
+    const int n = std::min(n1, n2);
+    for (int i = 0; i < n; ++i) {
+        if ((a[i] | b[i]) & 0x80) {
+            const QString sa = QString::fromUtf8(reinterpret_cast<const char *>(p1), n1);
+            const QString sb = QString::fromUtf8(reinterpret_cast<const char *>(p2), n2);
+            return sa.compare(sb, Qt::CaseInsensitive);
+        }
+        const int ca = a[i] >= 'A' && a[i] <= 'Z' ? a[i] + 32 : a[i];
+        const int cb = b[i] >= 'A' && b[i] <= 'Z' ? b[i] + 32 : b[i];
+        if (ca != cb)
+            return ca - cb;
+    }
+    return n1 - n2;
+}
+
 } // namespace
+
+void registerJetTextCollation(sqlite3 *db)
+{
+    sqlite3_create_collation_v2(db, "JETTEXT", SQLITE_UTF8, nullptr, jetTextCompare, nullptr);
+}
 
 QString formatNumber(double value)
 {

@@ -13,8 +13,12 @@ struct sqlite3;
 namespace mervola::dbfvalues
 {
 
+// Registers the JETTEXT collation used by the text columns: case-insensitive
+// for every letter, not only ASCII.
+void registerJetTextCollation(sqlite3 *db);
+
 // (Re)creates table `name` in SQLite with one column per field and fills it.
-// Text compares without regard to case, logical values are -1 / 0, dates ISO text.
+// Text compares as JETTEXT, logical values are -1 / 0, dates ISO text.
 Status createSqlTable(sqlite3 *db, const QString &name, const DbfTable &table);
 
 // Reads SQLite table `name` back with the fields (and encoding) of `shape`.
