@@ -35,9 +35,10 @@ DbfTable monti()
     DbfTable t;
     t.fields = {{QStringLiteral("CODICE"), DbfType::Text, 6, 0},
                 {QStringLiteral("LABEL"), DbfType::Text, 30, 0},
-                {QStringLiteral("QUOTA"), DbfType::Numeric, 7, 1}};
-    t.rows = {{QStringLiteral("01"), QStringLiteral("Valdigne"), 1200.5},
-              {QStringLiteral("02"), QStringLiteral("Monte Rosa"), QVariant()}};
+                {QStringLiteral("QUOTA"), DbfType::Numeric, 7, 1},
+                {QStringLiteral("ATTIVA"), DbfType::Logical, 1, 0}};
+    t.rows = {{QStringLiteral("01"), QStringLiteral("Valdigne"), 1200.5, true},
+              {QStringLiteral("02"), QStringLiteral("Monte Rosa"), QVariant(), false}};
     return t;
 }
 
@@ -109,6 +110,7 @@ private slots:
         QTest::newRow("star inside literal kept") << "select label from comuni where label = 'c*'" << 0;
         QTest::newRow("top") << "SELECT TOP 2 * FROM comuni ORDER BY POP" << 2;
         QTest::newRow("concatenation") << "select label & ' (' & prog_mont & ')' from comuni where pop = 10" << 1;
+        QTest::newRow("logical is -1") << "select * from monti where ATTIVA = True" << 1;
         QTest::newRow("min of bracketed") << "Select Min([AREA]) from [comuni]" << 1;
         QTest::newRow("distinct values") << "Select distinct [PROG_MONT] from [comuni] ORDER BY [PROG_MONT] Asc;" << 3;
     }
@@ -183,7 +185,8 @@ private slots:
         QStringList names;
         for (const DbfField &fd : t->fields)
             names << fd.name;
-        QCOMPARE(names, (QStringList{"PROG_MONT", "LABEL", "POP", "AREA", "ISTITUITO", "CODICE", "LABEL_1", "QUOTA"}));
+        QCOMPARE(names, (QStringList{"PROG_MONT", "LABEL", "POP", "AREA", "ISTITUITO", "CODICE", "LABEL_1", "QUOTA",
+                                     "ATTIVA"}));
         QCOMPARE(t->fields[7].decimals, 1);
         QCOMPARE(t->rows[0][6].toString(), QStringLiteral("Valdigne"));
         QCOMPARE(t->rows[0][7].toDouble(), 1200.5);
