@@ -1,0 +1,321 @@
+// The legend of the printed page: the themes' lines, their flow into
+// columns, the swatches; and the legend built from a map's renderers.
+
+#include "print/MapPageParts.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPainterPath>
+#include <cmath>
+
+namespace mervola::mappage {
+
+QFont pageFont(const QString &family, double mm, double unit, double dpi, bool bold)
+{
+    QFont f(family);
+    // Point size such that the em is `mm` page millimetres: mm * unit device
+    // units, and a point is dpi / 72 device units.
+    f.setPointSizeF(std::max(0.5, mm * unit * 72.0 / std::max(1.0, dpi)));
+    f.setBold(bold);
+    return f;
+}
+
+std::vector<LegendLine> legendLines(const std::vector<MapPageTheme> &themes)
+{
+    std::vector<LegendLine> lines;
+    for (const MapPageTheme &t : themes) {
+        if (!t.visible)
+            continue;
+        LegendLine head;
+        head.heading = true;
+        head.text = t.alias;
+        if (t.classes.empty()) {
+            // An unclassified theme: its own swatch beside its name.
+            head.fill = t.fill;
+            head.outline = t.outline;
+            head.outlined = t.outlined;
+            head.geometryKind = t.geometryKind;
+            lines.push_back(head);
+            continue;
+        }
+        lines.push_back(head);
+        for (const MapPageClass &c : t.classes) {
+            LegendLine l;
+            l.text = c.count >= 0 ? QStringLiteral("%1 (%2)").arg(c.label).arg(c.count) : c.label;
+            l.fill = c.fill;
+            l.outline = c.outline;
+            l.outlined = true;
+            l.geometryKind = t.geometryKind;
+            lines.push_back(l);
+        }
+    }
+    return lines;
+}
+
+namespace {
+
+bool hasSwatch(const LegendLine &l) { return !l.heading || l.fill.isValid(); }
+
+double lineHeight(const LegendLine &l, double unit, double factor)
+{
+    return (l.heading ? kHeadingMm : kItemMm) * unit * factor;
+}
+
+void paintSwatch(QPainter &p, const QRectF &r, const LegendLine &l, double unit)
+{
+    QPen pen(l.outlined ? l.outline : Qt::transparent);
+    pen.setWidthF(std::max(1.0, 0.15 * unit));
+    p.setPen(pen);
+    p.setBrush(l.fill.isValid() ? QBrush(l.fill) : QBrush(Qt::NoBrush));
+    switch (l.geometryKind) {
+    case 0: {
+        const double d = std::min(r.width(), r.height()) * 0.8;
+        p.drawEllipse(QRectF(r.center().x() - d / 2, r.center().y() - d / 2, d, d));
+        break;
+    }
+    case 1: {
+        QPen line(l.fill.isValid() ? l.fill : l.outline);
+        line.setWidthF(std::max(1.0, 0.5 * unit));
+        p.setPen(line);
+        p.drawLine(QPointF(r.left(), r.center().y()), QPointF(r.right(), r.center().y()));
+        break;
+    }
+    default:
+        p.drawRect(r);
+    }
+}
+
+}  // namespace
+
+double legendColumnWidth(const std::vector<LegendLine> &lines, double unit, double dpi, const QPaintDevice *device,
+                         double factor)
+{
+    const QFontMetricsF head(pageFont(QStringLiteral("Arial"), kHeadingFontMm * factor, unit, dpi, true),
+                             const_cast<QPaintDevice *>(device));
+    const QFontMetricsF item(pageFont(QStringLiteral("Arial"), kItemFontMm * factor, unit, dpi),
+                             const_cast<QPaintDevice *>(device));
+    const double swatch = (kSwatchWmm + 2) * unit * factor;
+    double w = 0;
+    for (const LegendLine &l : lines) {
+        const double text = (l.heading ? head : item).horizontalAdvance(l.text);
+        w = std::max(w, text + (hasSwatch(l) ? swatch : 0));
+    }
+    return std::ceil(w + unit * factor);
+}
+
+int legendColumnsFor(const std::vector<LegendLine> &lines, double height, double unit, double factor)
+{
+    int columns = lines.empty() ? 0 : 1;
+    double y = 0;
+    for (const LegendLine &l : lines) {
+        const double h = lineHeight(l, unit, factor);
+        if (y > 0 && y + h > height) {
+            ++columns;
+            y = 0;
+        }
+        y += h;
+    }
+    return columns;
+}
+
+double legendHeightFor(const std::vector<LegendLine> &lines, int columns, double unit, double factor)
+{
+    double total = 0;
+    double tallest = 0;
+    for (const LegendLine &l : lines) {
+        total += lineHeight(l, unit, factor);
+        tallest = std::max(tallest, lineHeight(l, unit, factor));
+    }
+    if (columns <= 1)
+        return total;
+    // Smallest column height that the flow fits into `columns` columns.
+    double lo = std::max(tallest, total / columns), hi = total;
+    for (int i = 0; i < 30 && hi - lo > 0.5; ++i) {
+        const double mid = (lo + hi) / 2;
+        if (legendColumnsFor(lines, mid, unit, factor) <= columns)
+            hi = mid;
+        else
+            lo = mid;
+    }
+    return hi;
+}
+
+void paintLegend(QPainter &p, const QRectF &rect, const std::vector<LegendLine> &lines, double unit, double dpi,
+                 double factor)
+{
+    if (lines.empty() || rect.isEmpty())
+        return;
+    p.save();
+    p.setClipRect(rect);
+    const QFont head = pageFont(QStringLiteral("Arial"), kHeadingFontMm * factor, unit, dpi, true);
+    const QFont item = pageFont(QStringLiteral("Arial"), kItemFontMm * factor, unit, dpi);
+    const double colWidth = legendColumnWidth(lines, unit, dpi, p.device(), factor);
+    double x = rect.left(), y = rect.top();
+    for (const LegendLine &l : lines) {
+        const double h = lineHeight(l, unit, factor);
+        if (y > rect.top() && y + h > rect.bottom() + 0.5) {
+            x += colWidth + kColumnGapMm * unit * factor;
+            y = rect.top();
+        }
+        double textLeft = x;
+        if (hasSwatch(l)) {
+            const QRectF sw(x, y + (h - kSwatchHmm * unit * factor) / 2, kSwatchWmm * unit * factor,
+                            kSwatchHmm * unit * factor);
+            paintSwatch(p, sw, l, unit);
+            textLeft = sw.right() + 2 * unit * factor;
+        }
+        p.setFont(l.heading ? head : item);
+        p.setPen(Qt::black);
+        p.drawText(QRectF(textLeft, y, rect.right() - textLeft, h), Qt::AlignLeft | Qt::AlignVCenter, l.text);
+        y += h;
+    }
+    p.restore();
+}
+
+void paintNorthArrow(QPainter &p, const QRectF &rect, double unit, double dpi)
+{
+    p.save();
+    const double s = std::min(rect.width(), rect.height());
+    const QRectF sq(rect.center().x() - s / 2, rect.center().y() - s / 2, s, s);
+    const double letter = s * 0.3;
+    p.setFont(pageFont(QStringLiteral("Arial"), letter / unit, unit, dpi, true));
+    p.setPen(Qt::black);
+    p.drawText(QRectF(sq.left(), sq.top(), s, letter * 1.1), Qt::AlignCenter, QStringLiteral("N"));
+    const double top = sq.top() + letter * 1.15, bottom = sq.bottom();
+    const double cx = sq.center().x(), half = s * 0.22;
+    const double notch = bottom - (bottom - top) * 0.25;
+    QPainterPath left, right;
+    left.moveTo(cx, top);
+    left.lineTo(cx - half, bottom);
+    left.lineTo(cx, notch);
+    left.closeSubpath();
+    right.moveTo(cx, top);
+    right.lineTo(cx + half, bottom);
+    right.lineTo(cx, notch);
+    right.closeSubpath();
+    QPen pen(Qt::black);
+    pen.setWidthF(std::max(1.0, 0.2 * unit));
+    pen.setJoinStyle(Qt::MiterJoin);
+    p.setPen(pen);
+    p.setRenderHint(QPainter::Antialiasing, true);
+    p.setBrush(Qt::black);
+    p.drawPath(left);
+    p.setBrush(Qt::white);
+    p.drawPath(right);
+    p.restore();
+}
+
+void paintScaleBar(QPainter &p, const QRectF &rect, double metres, double barPx, double unit, double dpi)
+{
+    if (metres <= 0 || barPx <= 0)
+        return;
+    p.save();
+    const double barH = 1.6 * unit;
+    const QRectF bar(rect.left(), rect.top() + unit, barPx, barH);
+    // Four alternating segments, as on topographic maps.
+    QPen pen(Qt::black);
+    pen.setWidthF(std::max(1.0, 0.2 * unit));
+    p.setPen(pen);
+    for (int i = 0; i < 4; ++i) {
+        p.setBrush(i % 2 == 0 ? Qt::black : Qt::white);
+        p.drawRect(QRectF(bar.left() + bar.width() * i / 4, bar.top(), bar.width() / 4, bar.height()));
+    }
+    p.setFont(pageFont(QStringLiteral("Arial"), 2.8, unit, dpi));
+    const double textTop = bar.bottom() + 0.5 * unit;
+    const double textH = rect.bottom() - textTop;
+    p.drawText(QRectF(bar.left() - 10 * unit, textTop, 20 * unit, textH), Qt::AlignHCenter | Qt::AlignTop,
+               QStringLiteral("0"));
+    p.drawText(QRectF(bar.right() - 15 * unit, textTop, 30 * unit, textH), Qt::AlignHCenter | Qt::AlignTop,
+               barLengthText(metres));
+    p.restore();
+}
+
+}  // namespace mervola::mappage
+
+namespace mervola {
+
+namespace {
+
+QString numberText(double v)
+{
+    if (std::isnan(v))
+        return QString();
+    if (std::fabs(v - std::round(v)) < 1e-9)
+        return QString::number(qint64(std::llround(v)));
+    QString s = QString::number(v, 'f', 2);
+    while (s.endsWith(QLatin1Char('0')))
+        s.chop(1);
+    if (s.endsWith(QLatin1Char('.')))
+        s.chop(1);
+    return s;
+}
+
+bool sameValue(const QString &a, const QString &b)
+{
+    bool okA = false, okB = false;
+    const double x = a.toDouble(&okA), y = b.toDouble(&okB);
+    if (okA && okB)
+        return x == y;
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+void addClass(MapPageTheme &t, const map::Symbol &s, const QString &label, int count)
+{
+    t.classes.push_back({map::colorFromValue(s.color),
+                         s.outline ? map::colorFromValue(s.outlineColor) : QColor(Qt::transparent), label, count});
+}
+
+}  // namespace
+
+std::vector<MapPageTheme> legendFromModel(const map::MapModel &model,
+                                          const std::function<QString(const QString &)> &aliasOf)
+{
+    std::vector<MapPageTheme> out;
+    for (const map::MapLayer &layer : model.layers()) {
+        MapPageTheme t;
+        t.alias = aliasOf ? aliasOf(layer.name) : layer.name;
+        t.visible = layer.visible;
+        t.geometryKind = layer.data ? int(layer.data->kind) : 2;
+        const map::LayerData *d = layer.data.get();
+        if (const auto *simple = std::get_if<map::SimpleRenderer>(&layer.renderer)) {
+            t.fill = simple->symbol.style == 1 ? QColor(Qt::transparent) : map::colorFromValue(simple->symbol.color);
+            t.outline = map::colorFromValue(simple->symbol.outlineColor);
+            t.outlined = simple->symbol.outline;
+        } else if (const auto *cb = std::get_if<map::ClassBreaksRenderer>(&layer.renderer)) {
+            const map::Column *col = d ? d->column(cb->field) : nullptr;
+            std::vector<int> counts(std::size_t(cb->breakCount()), 0);
+            double lowest = std::nan("");
+            if (col) {
+                for (int f = 0; f < d->featureCount(); ++f) {
+                    const double v = col->number(f);
+                    if (!std::isnan(v) && !(v >= lowest))
+                        lowest = v;
+                    const int c = cb->classOf(v);
+                    if (c >= 0 && c < int(counts.size()))
+                        ++counts[std::size_t(c)];
+                }
+            }
+            for (int c = 0; c < cb->breakCount(); ++c) {
+                const double lower = c == 0 ? lowest : cb->breakValue(c - 1);
+                const QString label = numberText(lower) + QStringLiteral(" - ") + numberText(cb->breakValue(c));
+                addClass(t, cb->symbol(c), label, col ? counts[std::size_t(c)] : -1);
+            }
+        } else if (const auto *vm = std::get_if<map::ValueMapRenderer>(&layer.renderer)) {
+            const map::Column *col = d ? d->column(vm->field) : nullptr;
+            for (int c = 0; c < vm->valueCount(); ++c) {
+                int count = -1;
+                if (col) {
+                    count = 0;
+                    for (int f = 0; f < d->featureCount(); ++f)
+                        if (sameValue(col->text(f), vm->value(c)))
+                            ++count;
+                }
+                addClass(t, vm->symbol(c), vm->value(c), count);
+            }
+        }
+        out.push_back(std::move(t));
+    }
+    return out;
+}
+
+}  // namespace mervola
