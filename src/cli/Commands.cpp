@@ -10,7 +10,7 @@ const std::vector<Command> &commands()
     static const std::vector<Command> list = {
         {"build-atlas", "build-atlas --sources DIR --home DIR | build-atlas --demo --home DIR", cmdBuildAtlas},
         {"sql", "sql (--folder DIR | --home DIR) \"ISTRUZIONE\"", cmdSql},
-        {"render", "render --home DIR [--project FILE] [--size LxA] --out FILE.png", cmdRender},
+        {"render", "render --home DIR [--project FILE] [--size LxA] --out FILE.{png,bmp,emf,svg,pdf}", cmdRender},
         {"classify", "classify --home DIR --theme NOME --field CAMPO --method quantile|regolari|unico [--classes N] [--ramp N]", cmdClassify},
     };
     return list;

@@ -1,11 +1,11 @@
 #include "cli/RenderCommand.h"
 
 #include "cli/Commands.h"
+#include "platform/map/MapExport.h"
 #include "platform/map/MapRenderer.h"
 
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSaveFile>
 
 namespace mervola::cli {
 
@@ -70,29 +70,16 @@ Status loadDefaultAtlas(const AtlasHome &home, map::MapModel &model)
     return {};
 }
 
-Status writePicture(const QImage &image, const QString &path)
-{
-    const QString ext = QFileInfo(path).suffix().toLower();
-    const char *format = ext == QLatin1String("png")                                 ? "PNG"
-                         : ext == QLatin1String("bmp")                               ? "BMP"
-                         : ext == QLatin1String("jpg") || ext == QLatin1String("jpeg") ? "JPG"
-                                                                                     : nullptr;
-    if (!format)
-        return Status::fail(QStringLiteral("Formato di immagine non supportato: %1").arg(ext));
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return Status::fail(QStringLiteral("Impossibile scrivere il file %1").arg(path));
-    const QImage out = ext == QLatin1String("png") ? image : image.convertToFormat(QImage::Format_RGB32);
-    if (!out.save(&file, format) || !file.commit())
-        return Status::fail(QStringLiteral("Impossibile scrivere il file %1").arg(path));
-    return {};
-}
+Status writePicture(const QImage &image, const QString &path) { return map::saveImageFile(image, path); }
 
 int cmdRender(const QStringList &args)
 {
     const QString out = option(args, QStringLiteral("--out"));
     if (out.isEmpty())
         return fail(QStringLiteral("manca --out FILE"));
+    // The extension of --out picks the format: bmp, emf, png, svg or pdf.
+    if (!map::exportFormatFor(out))
+        return fail(map::unsupportedFormatMessage(out));
     QSize size(1600, 1200);
     if (const QString s = option(args, QStringLiteral("--size")); !s.isEmpty()) {
         size = parseSize(s);
@@ -112,10 +99,7 @@ int cmdRender(const QStringList &args)
     if (!loaded)
         return fail(loaded.errorMessage());
 
-    const QImage image = map::MapRenderer::renderImage(model, model.extent(), size);
-    if (image.isNull())
-        return fail(QStringLiteral("immagine troppo grande"));
-    if (Status s = writePicture(image, out); !s)
+    if (Status s = map::exportMap(model, model.extent(), size, out); !s)
         return fail(s.errorMessage());
     return 0;
 }
