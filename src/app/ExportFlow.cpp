@@ -1,0 +1,55 @@
+#include "app/ExportFlow.h"
+
+#include "platform/Messages.h"
+#include "platform/map/MapExport.h"
+
+#include <QFileInfo>
+
+namespace mervola {
+
+QString exportFilter() { return ExportTexts::kClassicFilter + QLatin1Char('|') + ExportTexts::kExtraFilter; }
+
+QString toQtFileFilter(const QString &commonDialogFilter)
+{
+    const QStringList parts = commonDialogFilter.split(QLatin1Char('|'));
+    QStringList entries;
+    for (int i = 0; i + 1 < parts.size(); i += 2) {
+        const QString description = parts.at(i).trimmed();
+        QString patterns = parts.at(i + 1).trimmed();
+        patterns.replace(QLatin1Char(';'), QLatin1Char(' '));
+        patterns = patterns.simplified();
+        if (description.isEmpty() && patterns.isEmpty())
+            continue;
+        // Qt reads the patterns from the last parenthesis of an entry.
+        if (description.endsWith(QLatin1Char('(') + patterns + QLatin1Char(')')))
+            entries << description;
+        else if (description.isEmpty())
+            entries << patterns;
+        else
+            entries << description + QStringLiteral(" (") + patterns + QLatin1Char(')');
+    }
+    return entries.join(QStringLiteral(";;"));
+}
+
+QString overwriteQuestion(const QString &fileName)
+{
+    return QStringLiteral("Il file ") + fileName + QStringLiteral(" è già esistente. Sostituire il file?");
+}
+
+Status runExportCommand(const map::MapModel &model, const map::MapRect &extent, QSize pixels,
+                        const ChooseSaveFile &chooseFile)
+{
+    if (!chooseFile)
+        return {};
+    QString path = chooseFile(ExportTexts::kTitle, toQtFileFilter(exportFilter()));
+    if (path.isEmpty())
+        return {};
+    if (QFileInfo(path).suffix().isEmpty())
+        path += QStringLiteral(".bmp");
+    if (QFileInfo::exists(path) &&
+        showMessage(MsgStyle::Exclamation | MsgStyle::OkCancel, overwriteQuestion(path)) != MsgAnswer::Ok)
+        return {};
+    return map::exportMap(model, extent, pixels, path);
+}
+
+}  // namespace mervola
