@@ -1,0 +1,85 @@
+#include "print/ui/FrmFont.h"
+
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSet>
+#include <QVBoxLayout>
+
+namespace mervola {
+
+QStringList uniqueFamilies(const QStringList &families)
+{
+    QStringList out;
+    QSet<QString> seen;
+    for (const QString &f : families) {
+        if (seen.contains(f))
+            continue;
+        seen.insert(f);
+        out << f;
+    }
+    return out;
+}
+
+QStringList installedFontFamilies() { return uniqueFamilies(QFontDatabase::families()); }
+
+FrmFont::FrmFont(QString &chosenFont, QWidget *parent) : FrmFont(chosenFont, installedFontFamilies(), parent) {}
+
+FrmFont::FrmFont(QString &chosenFont, const QStringList &families, QWidget *parent)
+    : QDialog(parent), m_chosen(chosenFont)
+{
+    setObjectName(QStringLiteral("frmFont"));
+    setWindowTitle(FontText::kCaption);
+    setModal(true);
+
+    auto *label = new QLabel(FontText::kPrompt, this);
+    label->setObjectName(QStringLiteral("Label1"));
+    m_list = new QListWidget(this);
+    m_list->setObjectName(QStringLiteral("LstFonts"));
+    label->setBuddy(m_list);
+
+    auto *ok = new QPushButton(QStringLiteral("OK"), this);
+    ok->setObjectName(QStringLiteral("cmdOK"));
+    ok->setDefault(true);
+    auto *cancel = new QPushButton(FontText::kAnnulla, this);
+    cancel->setObjectName(QStringLiteral("cmdAnnulla"));
+
+    auto *buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(ok);
+    buttons->addWidget(cancel);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(label);
+    layout->addWidget(m_list, 1);
+    layout->addLayout(buttons);
+    resize(320, 360);
+
+    ModFontLister(families);
+
+    connect(m_list, &QListWidget::currentTextChanged, this, [this](const QString &text) { m_selected = text; });
+    connect(m_list, &QListWidget::itemDoubleClicked, this, [this] { cmdOK_Click(); });
+    connect(ok, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+void FrmFont::ModFontLister(const QStringList &families)
+{
+    m_list->addItems(uniqueFamilies(families));
+    // Start on the caller's current font, so OK without a click keeps it.
+    const auto items = m_list->findItems(m_chosen, Qt::MatchFixedString);
+    if (!items.isEmpty()) {
+        m_list->setCurrentItem(items.front());
+        m_selected = items.front()->text();
+    }
+}
+
+void FrmFont::cmdOK_Click()
+{
+    if (!m_selected.isEmpty())
+        m_chosen = m_selected;
+    accept();
+}
+
+}  // namespace mervola
