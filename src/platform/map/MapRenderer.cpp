@@ -10,6 +10,8 @@ namespace mervola::map {
 
 namespace {
 
+constexpr int kFeaturesPerPath = 128;
+
 // Builds device paths for one layer, one path per symbol.
 class PathBuilder {
 public:
@@ -114,22 +116,45 @@ void paintLayer(QPainter &painter, const MapLayer &layer, const MapTransform &t,
     } else {
         const bool polygons = d.kind == GeometryKind::Polygon;
         std::vector<QPainterPath> paths(style.symbols.size());
+        std::vector<int> inPath(style.symbols.size(), 0);
+        // Filled chunks kept for the outline pass that follows all fills.
+        std::vector<std::pair<std::size_t, QPainterPath>> outlines;
+        auto flush = [&](std::size_t s) {
+            QPainterPath &path = paths[s];
+            if (path.isEmpty())
+                return;
+            const Symbol &sym = style.symbols[s];
+            if (fillBrushStyle(sym.style) != Qt::NoBrush) {
+                // An outlined fill needs no anti-aliasing of its own: the
+                // anti-aliased outline covers its edge.
+                painter.setRenderHint(QPainter::Antialiasing, o.antialias && !sym.outline);
+                painter.fillPath(path, fillBrush(sym));
+            }
+            if (sym.outline)
+                outlines.emplace_back(s, std::move(path));
+            path = QPainterPath();
+            path.setFillRule(Qt::OddEvenFill);
+            inPath[s] = 0;
+        };
         for (QPainterPath &p : paths)
             p.setFillRule(Qt::OddEvenFill);
         for (int f = 0; f < n; ++f) {
             const int s = style.featureSymbol[std::size_t(f)];
-            if (s >= 0 && d.boxes[std::size_t(f)].intersects(cull))
-                builder.append(paths[std::size_t(s)], f, polygons);
+            if (s < 0 || !d.boxes[std::size_t(f)].intersects(cull))
+                continue;
+            builder.append(paths[std::size_t(s)], f, polygons);
+            // Qt rasterises many moderate paths much faster than one huge one.
+            if (polygons && ++inPath[std::size_t(s)] >= kFeaturesPerPath)
+                flush(std::size_t(s));
         }
         if (polygons) {
             painter.setPen(Qt::NoPen);
             for (std::size_t s = 0; s < paths.size(); ++s)
-                if (!paths[s].isEmpty() && fillBrushStyle(style.symbols[s].style) != Qt::NoBrush)
-                    painter.fillPath(paths[s], fillBrush(style.symbols[s]));
+                flush(s);
+            painter.setRenderHint(QPainter::Antialiasing, o.antialias);
             painter.setBrush(Qt::NoBrush);
-            for (std::size_t s = 0; s < paths.size(); ++s)
-                if (!paths[s].isEmpty() && style.symbols[s].outline)
-                    painter.strokePath(paths[s], outlinePen(style.symbols[s]));
+            for (const auto &[s, path] : outlines)
+                painter.strokePath(path, outlinePen(style.symbols[s]));
         } else {
             for (std::size_t s = 0; s < paths.size(); ++s) {
                 if (paths[s].isEmpty())
