@@ -85,8 +85,12 @@ LegendFit fitPortraitLegend(const std::vector<LegendLine> &lines, const QRectF &
     for (double f = 1; f >= kMinLegendFactor - 1e-9; f -= 0.05) {
         const double colW = legendColumnWidth(lines, unit, dpi, device, f);
         const double gap = kColumnGapMm * unit * f;
-        const int cols = std::max(1, int((middle.width() + gap) / (colW + gap)));
-        const double h = legendHeightFor(lines, cols, unit, f);
+        const int maxCols = std::max(1, int((middle.width() + gap) / (colW + gap)));
+        // The fewest columns that fit the legend's share of the page.
+        int cols = 1;
+        double h = legendHeightFor(lines, 1, unit, f);
+        while (h > maxH && cols < maxCols)
+            h = legendHeightFor(lines, ++cols, unit, f);
         fit = {f, cols, QSizeF(std::min(middle.width(), cols * colW + (cols - 1) * gap), h)};
         if (h <= maxH)
             break;
@@ -188,7 +192,7 @@ MapPageLayout layoutMapPage(const QRectF &pageRect, const MapPageSpec &spec, con
     l.bottom = QRectF(c.left(), c.bottom() - kBottomMm * u, c.width(), kBottomMm * u);
     double middleBottom = l.bottom.top() - kGapMm * u;
     if (!spec.freeText.trimmed().isEmpty()) {
-        const QFont f = pageFont(QStringLiteral("Arial"), kTextFontMm, u, l.dpi);
+        const QFont f = pageFont(spec.textFont, kTextFontMm, u, l.dpi);
         const double h = std::min(textHeight(spec.freeText, f, c.width(), device), c.height() * 0.25);
         l.freeText = QRectF(c.left(), middleBottom - h, c.width(), h);
         middleBottom = l.freeText.top() - kGapMm * u;
@@ -215,6 +219,12 @@ MapPageLayout layoutMapPage(const QRectF &pageRect, const MapPageSpec &spec, con
             l.legendFactor = fit.factor;
             l.mapArea.setBottom(middle.bottom() - fit.size.height() - kGapMm * u);
             l.mapFrame = fitShape(l.mapArea, extent);
+            // Map and legend together, centred in the room between title and
+            // bottom band.
+            const double group = l.mapFrame.height() + kGapMm * u + fit.size.height();
+            const double shift = std::floor(std::max(0.0, (middle.height() - group) / 2));
+            l.mapFrame.moveTop(middle.top() + shift);
+            l.mapArea.moveTop(middle.top() + shift);
             l.legend = QRectF(c.left(), l.mapFrame.bottom() + kGapMm * u, c.width(), fit.size.height());
         }
     } else {
@@ -269,7 +279,7 @@ void paintMapPage(QPainter &painter, const QRectF &pageRect, const MapPageSpec &
     }
 
     if (!l.freeText.isEmpty()) {
-        painter.setFont(pageFont(QStringLiteral("Arial"), kTextFontMm, u, l.dpi));
+        painter.setFont(pageFont(spec.textFont, kTextFontMm, u, l.dpi));
         painter.setPen(Qt::black);
         painter.drawText(l.freeText, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, spec.freeText);
     }

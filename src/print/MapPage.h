@@ -49,6 +49,7 @@ struct MapPageSpec {
     QString titleFont = QStringLiteral("Arial");
     double titlePointSize = 20;
     QString freeText;  // optional, under the map
+    QString textFont = QStringLiteral("Arial");
     QString dateText;  // printed at the bottom right
     QPageLayout::Orientation orientation = QPageLayout::Portrait;
     map::MapModel model;  // a copy: printing never touches the window's map

@@ -146,7 +146,8 @@ void paintLegend(QPainter &p, const QRectF &rect, const std::vector<LegendLine> 
     if (lines.empty() || rect.isEmpty())
         return;
     p.save();
-    p.setClipRect(rect);
+    // A millimetre of slack so that swatch outlines on the edge stay whole.
+    p.setClipRect(rect.adjusted(-unit, -unit, unit, unit));
     const QFont head = pageFont(QStringLiteral("Arial"), kHeadingFontMm * factor, unit, dpi, true);
     const QFont item = pageFont(QStringLiteral("Arial"), kItemFontMm * factor, unit, dpi);
     const double colWidth = legendColumnWidth(lines, unit, dpi, p.device(), factor);
