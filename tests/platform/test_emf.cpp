@@ -119,6 +119,9 @@ private slots:
         QTest::newRow("far coordinates") << 3 << QList<int>{EMR_POLYPOLYGON};
         QTest::newRow("text") << 4 << QList<int>{EMR_EXTCREATEFONTINDIRECTW, EMR_SETTEXTCOLOR, EMR_EXTTEXTOUTW};
         QTest::newRow("ellipse and rect") << 5 << QList<int>{EMR_CREATEPEN, EMR_CREATEBRUSHINDIRECT, EMR_POLYPOLYGON16};
+        // Hatches and wide dashes are written as the lines they draw.
+        QTest::newRow("hatched fill") << 6 << QList<int>{EMR_CREATEPEN, EMR_POLYPOLYLINE16};
+        QTest::newRow("wide dashed line") << 7 << QList<int>{EMR_CREATEPEN, EMR_POLYPOLYLINE16};
     }
     void shapesBecomeTheirRecords()
     {
@@ -141,12 +144,22 @@ private slots:
                 p.drawEllipse(QPointF(50, 50), 20, 10);
                 p.drawRect(QRectF(100, 10, 20, 20));
                 break;
+            case 6: p.fillRect(QRectF(10, 10, 50, 50), QBrush(Qt::red, Qt::CrossPattern)); break;
+            case 7:
+                p.setPen(QPen(Qt::black, 3, Qt::DashLine));
+                p.drawLine(QPointF(0, 0), QPointF(100, 50));
+                break;
             }
         });
         const QList<Record> recs = parse(b);
         QVERIFY(!recs.isEmpty());
         for (int t : types)
             QVERIFY2(!ofType(recs, std::uint32_t(t)).isEmpty(), qPrintable(QStringLiteral("record %1").arg(t)));
+        // Every brush is solid or null; pens are drawn solid when wide.
+        for (const Record &r : ofType(recs, EMR_CREATEBRUSHINDIRECT))
+            QCOMPARE(u32(b, r.offset + 12), std::uint32_t(BS_SOLID));
+        for (const Record &r : ofType(recs, EMR_CREATEPEN))
+            QVERIFY(i32(b, r.offset + 16) == 0 || u32(b, r.offset + 12) == PS_SOLID);
     }
 
     void polygonPointsAreInSixteenthsOfAPixel()

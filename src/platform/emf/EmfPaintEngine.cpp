@@ -1,6 +1,8 @@
 #include "platform/emf/EmfPaintEngine.h"
 
+#include "platform/emf/Dashes.h"
 #include "platform/emf/EmfDevice.h"
+#include "platform/emf/Hatch.h"
 
 #include <QFontMetricsF>
 #include <QPainterPath>
@@ -36,20 +38,6 @@ std::uint32_t penStyle(Qt::PenStyle s)
     case Qt::DashDotDotLine: return PS_DASHDOTDOT;
     case Qt::NoPen: return PS_NULL;
     default: return PS_SOLID;
-    }
-}
-
-// Hatch for the Qt pattern brushes that GDI has; nullopt for a solid fill.
-std::optional<std::uint32_t> hatchStyle(Qt::BrushStyle s)
-{
-    switch (s) {
-    case Qt::HorPattern: return HS_HORIZONTAL;
-    case Qt::VerPattern: return HS_VERTICAL;
-    case Qt::CrossPattern: return HS_CROSS;
-    case Qt::BDiagPattern: return HS_BDIAGONAL;
-    case Qt::FDiagPattern: return HS_FDIAGONAL;
-    case Qt::DiagCrossPattern: return HS_DIAGCROSS;
-    default: return std::nullopt;
     }
 }
 
@@ -156,6 +144,12 @@ void EmfPaintEngine::drawPath(const QPainterPath &path)
         stroke(polys, bounds);
         return;
     }
+    if (const auto families = hatchFamilies(m_brush.style()); !families.empty()) {
+        fillHatched(path, families, bounds);
+        if (hasPen())
+            stroke(polys, bounds);
+        return;
+    }
     const bool allClosed = std::all_of(closed.begin(), closed.end(), [](bool c) { return c; });
     // A polygon record closes its rings itself; the repeated first point goes.
     Polys rings = polys;
@@ -194,7 +188,7 @@ void EmfPaintEngine::drawPolygon(const QPointF *points, int pointCount, PolygonD
 void EmfPaintEngine::fill(const Polys &polys, Qt::FillRule rule, const QRect &bounds, bool withPen)
 {
     if (withPen)
-        selectPen(m_pen);
+        selectPenKey(penKey(m_pen));
     else
         selectNullPen();
     selectBrush(m_brush);
@@ -202,10 +196,39 @@ void EmfPaintEngine::fill(const Polys &polys, Qt::FillRule rule, const QRect &bo
     m_writer->appendPolyPolygon(polys, bounds);
 }
 
+void EmfPaintEngine::fillHatched(const QPainterPath &path, const std::vector<HatchLines> &families,
+                                 const QRect &bounds)
+{
+    const QList<QPolygonF> rings = path.toSubpathPolygons(m_transform);
+    Polys segments;
+    for (HatchLines family : families)
+        for (const QLineF &l : hatchSegments(rings, path.fillRule(), family)) {
+            const QPoint a(int(std::lround(l.x1() * kUnitsPerPixel)), int(std::lround(l.y1() * kUnitsPerPixel)));
+            const QPoint b(int(std::lround(l.x2() * kUnitsPerPixel)), int(std::lround(l.y2() * kUnitsPerPixel)));
+            segments.push_back({a, b});
+        }
+    if (segments.empty())
+        return;
+    // Hatch lines are one pixel wide in the brush colour.
+    selectPenKey({PS_SOLID, colorRef(m_brush.color()), 0});
+    selectNullBrush();
+    m_writer->appendPolyPolyline(segments, bounds);
+}
+
 void EmfPaintEngine::stroke(const Polys &polys, const QRect &bounds)
 {
-    selectPen(m_pen);
+    const PenKey key = penKey(m_pen);
     selectNullBrush();
+    if (key.width > 0 && key.style != PS_SOLID) {
+        // Wide dashed pen: the dashes themselves with a solid pen.
+        QVector<double> pattern = m_pen.dashPattern();
+        for (double &d : pattern)
+            d *= key.width;
+        selectPenKey({PS_SOLID, key.color, key.width});
+        m_writer->appendPolyPolyline(dashPolylines(polys, pattern), bounds);
+        return;
+    }
+    selectPenKey(key);
     const auto fits = [](QPoint p) { return std::abs(p.x()) < 32768 && std::abs(p.y()) < 32768; };
     if (polys.size() == 1 && std::all_of(polys[0].begin(), polys[0].end(), fits))
         m_writer->appendPolyline16(polys[0], bounds);
@@ -213,13 +236,17 @@ void EmfPaintEngine::stroke(const Polys &polys, const QRect &bounds)
         m_writer->appendPolyPolyline(polys, bounds);
 }
 
-void EmfPaintEngine::selectPen(const QPen &pen)
+EmfPaintEngine::PenKey EmfPaintEngine::penKey(const QPen &pen) const
 {
     // Cosmetic pens are measured in device pixels, others scale with the
     // transform. One pixel or less is GDI's width 0: always one pixel wide.
     const double px = pen.isCosmetic() ? pen.widthF() : pen.widthF() * transformScale(m_transform);
-    const PenKey key{penStyle(pen.style()), colorRef(pen.color()),
-                     px <= 1 ? 0 : std::int32_t(std::lround(px * kUnitsPerPixel))};
+    return {penStyle(pen.style()), colorRef(pen.color()),
+            px <= 1 ? 0 : std::int32_t(std::lround(px * kUnitsPerPixel))};
+}
+
+void EmfPaintEngine::selectPenKey(const PenKey &key)
+{
     if (m_selectedPen == key) {
         if (m_nullPen) {
             m_writer->appendSelectObject(m_penHandle);
@@ -247,8 +274,8 @@ void EmfPaintEngine::selectNullPen()
 
 void EmfPaintEngine::selectBrush(const QBrush &brush)
 {
-    const auto hatch = hatchStyle(brush.style());
-    const BrushKey key{hatch ? BS_HATCHED : BS_SOLID, colorRef(brush.color()), hatch.value_or(0)};
+    // Hatches are drawn as lines (fillHatched); every other pattern is solid.
+    const BrushKey key{BS_SOLID, colorRef(brush.color()), 0};
     if (m_selectedBrush == key) {
         if (m_nullBrush) {
             m_writer->appendSelectObject(m_brushHandle);

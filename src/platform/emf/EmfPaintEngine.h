@@ -5,6 +5,7 @@
 // brush or font only when the one selected differs.
 
 #include "platform/emf/EmfRecords.h"
+#include "platform/emf/Hatch.h"
 
 #include <QBrush>
 #include <QFont>
@@ -39,8 +40,8 @@ private:
     // Flattened device polygons in logical units; `closed` per subpath.
     Polys toLogical(const QPainterPath &path, std::vector<bool> *closed, QRect *deviceBounds) const;
     void fill(const Polys &polys, Qt::FillRule rule, const QRect &bounds, bool withPen);
+    void fillHatched(const QPainterPath &path, const std::vector<HatchLines> &families, const QRect &bounds);
     void stroke(const Polys &polys, const QRect &bounds);
-    void selectPen(const QPen &pen);
     void selectNullPen();
     void selectBrush(const QBrush &brush);
     void selectNullBrush();
@@ -54,6 +55,8 @@ private:
         std::int32_t width;
         bool operator==(const PenKey &) const = default;
     };
+    PenKey penKey(const QPen &pen) const;
+    void selectPenKey(const PenKey &key);
     struct BrushKey {
         std::uint32_t style, color, hatch;
         bool operator==(const BrushKey &) const = default;
