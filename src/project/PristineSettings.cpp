@@ -75,6 +75,15 @@ Result<int> writePristineSettingsIfMissing(const AtlasHome &home)
     return written;
 }
 
+// True when both files exist and hold the same bytes (settings files are small).
+static bool sameContent(const QString &a, const QString &b)
+{
+    QFile fa(a), fb(b);
+    if (fa.size() != fb.size() || !fa.open(QIODevice::ReadOnly) || !fb.open(QIODevice::ReadOnly))
+        return false;
+    return fa.readAll() == fb.readAll();
+}
+
 Status copyFileReplacing(const QString &source, const QString &target)
 {
     const QString temp = target + QStringLiteral(".new");
@@ -94,9 +103,22 @@ Status restoreThemeTable(const AtlasHome &home, const QString &name)
 {
     const QString table = name + QStringLiteral(".dbf");
     const QString source = resolveCaseInsensitive(home.originali(), table);
-    if (!QFileInfo(source).isFile())
+    const QFileInfo src(source);
+    if (!src.isFile())
         return {};
-    return copyFileReplacing(source, resolveCaseInsensitive(home.italia(), table));
+    const QString target = resolveCaseInsensitive(home.italia(), table);
+    // A working table that still carries the pristine copy's size and time
+    // has not been touched since it was restored: copying it again would
+    // only slow every start down.
+    const QFileInfo dst(target);
+    if (dst.isFile() && dst.size() == src.size() && dst.lastModified() == src.lastModified())
+        return {};
+    if (auto st = copyFileReplacing(source, target); !st)
+        return st;
+    QFile copied(target);
+    if (copied.open(QIODevice::ReadWrite))
+        copied.setFileTime(src.lastModified(), QFileDevice::FileModificationTime);
+    return {};
 }
 
 Status restoreAllThemeTables(const AtlasHome &home)
@@ -125,9 +147,13 @@ Status copyPristineSettings(const AtlasHome &home)
     for (const QString &file : filesIn(dir)) {
         if (!file.endsWith(QLatin1String(".ini"), Qt::CaseInsensitive))
             continue;
-        // Replace the working file whatever the case of its name.
+        // Replace the working file whatever the case of its name; one that
+        // already holds the pristine text is left as it is.
         const QString target = resolveCaseInsensitive(home.supporto(), file);
-        if (auto st = copyFileReplacing(dir + QLatin1Char('/') + file, target); !st)
+        const QString source = dir + QLatin1Char('/') + file;
+        if (sameContent(source, target))
+            continue;
+        if (auto st = copyFileReplacing(source, target); !st)
             return st;
     }
     return {};

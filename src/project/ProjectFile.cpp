@@ -1,5 +1,7 @@
 #include "project/ProjectFile.h"
 
+#include <QHash>
+
 #include "platform/Messages.h"
 #include "platform/Profile.h"
 #include "project/PristineSettings.h"
@@ -235,16 +237,35 @@ Status ProjectFiles::restoreDefault()
     if (!text)
         return text.error();
     QStringList names;
+    QHash<QString, QStringList> sections;  // theme -> its lines in the project
+    QString current;
     for (const QString &raw : splitLines(*text)) {
         const QString line = raw.trimmed();
-        if (line.contains(QLatin1String("[RLX]"), Qt::CaseInsensitive) || !line.contains(QLatin1Char('[')))
+        if (line.contains(QLatin1String("[RLX]"), Qt::CaseInsensitive)) {
+            current.clear();
             continue;
+        }
+        if (!line.contains(QLatin1Char('['))) {
+            if (!current.isEmpty())
+                sections[current] << raw;
+            continue;
+        }
         const QString name = sectionName(line);
         if (!isPlainName(name))
             return malformed(QStringLiteral("nome di tema non valido %1").arg(name));
         names << name;
+        current = name;
+        sections[current] << raw;
     }
     m_session.regionCode = QStringLiteral("00");
+    // A theme whose settings file is missing from supporto/ (originali/ had
+    // none to copy) takes its settings from the default project itself.
+    for (const QString &name : names) {
+        const QString ini = resolveCaseInsensitive(m_home.supporto(), name + QStringLiteral(".ini"));
+        if (!QFileInfo::exists(ini))
+            if (auto st = writeLinesReplacing(ini, sections.value(name)); !st)
+                return st;
+    }
 
     const ProfileFile profile = ProfileFile::fromText(*text);
     const QString dbf = splitFields(profile.read(kRlx, QStringLiteral("DBFCOMMONT"))).value(0).trimmed();

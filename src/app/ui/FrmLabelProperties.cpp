@@ -12,6 +12,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPixmap>
 #include <QPushButton>
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
@@ -107,8 +108,10 @@ void FrmLabelProperties::setColor(std::int32_t color)
 {
     m_color = color;
     const QColor c = map::colorFromValue(color);
-    m_colorButton->setStyleSheet(QStringLiteral("QPushButton { border-left: 16px solid %1; padding-left: 4px; }")
-                                     .arg(c.name()));
+    // The button carries a swatch of the chosen colour.
+    QPixmap swatch(16, 16);
+    swatch.fill(c);
+    m_colorButton->setIcon(QIcon(swatch));
 }
 
 void FrmLabelProperties::setFontName(const QString &font)

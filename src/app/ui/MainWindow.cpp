@@ -18,7 +18,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QKeyEvent>
 #include <QMouseEvent>
+#include <QWheelEvent>
 #include <QRegularExpressionValidator>
 #include <QScreen>
 #include <QStatusBar>
@@ -59,7 +61,7 @@ MainWindow::MainWindow(AtlasHome home, AppState &state, QWidget *parent)
     const double dpi = logicalDpiX();
     setMinimumSize(twipsToPixels(kMinWindowWidthTwips, dpi), twipsToPixels(kMinWindowHeightTwips, dpi));
 
-    m_history.onStatus = [this](bool any) {
+    m_state.extentHistory.onStatus = [this](bool any) {
         if (auto *a = action(QStringLiteral("zoomprec")))
             a->setEnabled(any);
         if (auto *m = action(QStringLiteral("mnuZoomPrec")))
@@ -184,6 +186,7 @@ void MainWindow::buildCentre()
     m_divider->installEventFilter(this);
     m_map = new MapWidget(centre);
     m_map->setObjectName(QStringLiteral("MapMain"));
+    m_map->setFocusPolicy(Qt::StrongFocus);
     m_map->installEventFilter(this);
     h->addWidget(m_legend);
     h->addWidget(m_divider);
@@ -224,6 +227,14 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event)
         }
     } else if (watched == m_divider && event->type() == QEvent::MouseButtonRelease) {
         startScaleTimer();
+    } else if (watched == m_map && event->type() == QEvent::Wheel) {
+        auto *we = static_cast<QWheelEvent *>(event);
+        if (we->angleDelta().y() != 0)
+            zoomAt(m_map->toMapPoint(we->position().toPoint()), we->angleDelta().y() > 0 ? 0.5 : 1.5);
+        return true;
+    } else if (watched == m_map && event->type() == QEvent::KeyPress) {
+        if (handleMapKey(static_cast<QKeyEvent *>(event)->key()))
+            return true;
     } else if (watched == m_map && event->type() == QEvent::Paint && !m_painted) {
         m_painted = true;
         QTimer::singleShot(0, this, &MainWindow::firstMapPainted);

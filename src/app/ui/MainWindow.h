@@ -41,7 +41,7 @@ public:
 
     MapWidget *mapWidget() const { return m_map; }
     LegendView *legend() const { return m_legend; }
-    Stack &history() { return m_history; }
+    Stack &history() { return m_state.extentHistory; }
     QString scaleText() const;
     void refreshLegend();
 
@@ -72,6 +72,11 @@ private:
     void previousView();
     void setMapExtent(const map::MapRect &r);
     void zoomFixed(double factor);
+    // Zooms by `factor` keeping `anchor` under the cursor (mouse wheel).
+    void zoomAt(QPointF anchor, double factor);
+    // +, -, arrows on the map; true when the key was a navigation key.
+    bool handleMapKey(int key);
+    void panBy(double dx, double dy);
     void applyTypedScale();
     void selectTool(const QString &key, bool checked);
     void activeThemeChanged(const QString &layerName);
@@ -94,7 +99,6 @@ private:
     QHash<QString, QString> m_aliases;    // theme name (upper case) -> alias
     std::unique_ptr<MapModelHost> m_host;
     std::unique_ptr<ProjectFiles> m_projects;
-    Stack m_history;
     double m_lastValidScale = 0;
     double m_legendTwips = 3795;
     bool m_painted = false;

@@ -55,7 +55,7 @@ void MainWindow::dispatch(const QString &key)
         } else if (key == QLatin1String("zoomoutfix")) {
             zoomFixed(1.5);
         } else if (key == QLatin1String("zoomprec")) {
-            if (m_history.count() > 0) {
+            if (m_state.extentHistory.count() > 0) {
                 previousView();
                 startScaleTimer();
             }
@@ -123,11 +123,11 @@ void MainWindow::connectMapTools()
     });
 }
 
-void MainWindow::saveView() { m_history.Push(m_map->extent()); }
+void MainWindow::saveView() { m_state.extentHistory.Push(m_map->extent()); }
 
 void MainWindow::previousView()
 {
-    const map::MapRect r = m_history.Pop();
+    const map::MapRect r = m_state.extentHistory.Pop();
     if (!r.isEmpty()) {
         m_map->setExtent(r);
         m_map->refresh();
@@ -154,6 +154,50 @@ void MainWindow::zoomFixed(double factor)
     if (factor < 1 && m_map->extent().width() < kMinExtentWidth)
         previousView();
     startScaleTimer();
+}
+
+void MainWindow::zoomAt(QPointF anchor, double factor)
+{
+    if (factor < 1 && parseScale(m_scale->text()) < kMinScale) {
+        if (m_lastValidScale > 0)
+            m_scale->setText(groupDigits(qint64(m_lastValidScale)));
+        return;
+    }
+    const map::MapRect now = m_map->extent();
+    // The point under the cursor stays where it is.
+    const double l = anchor.x() - (anchor.x() - now.left()) * factor;
+    const double r = anchor.x() + (now.right() - anchor.x()) * factor;
+    const double b = anchor.y() - (anchor.y() - now.bottom()) * factor;
+    const double t = anchor.y() + (now.top() - anchor.y()) * factor;
+    saveView();
+    setMapExtent(map::MapRect(l, t, r, b));
+    if (factor < 1 && m_map->extent().width() < kMinExtentWidth)
+        previousView();
+}
+
+void MainWindow::panBy(double dx, double dy)
+{
+    const map::MapRect now = m_map->extent();
+    saveView();
+    map::MapRect r = now;
+    r.centerOn(QPointF(now.center().x() + dx * now.width(), now.center().y() + dy * now.height()));
+    setMapExtent(r);
+}
+
+bool MainWindow::handleMapKey(int key)
+{
+    switch (key) {
+    case Qt::Key_Plus:
+    case Qt::Key_Equal: dispatch(QStringLiteral("zoominfix")); return true;
+    case Qt::Key_Minus: dispatch(QStringLiteral("zoomoutfix")); return true;
+    case Qt::Key_Left: panBy(-0.25, 0); return true;
+    case Qt::Key_Right: panBy(0.25, 0); return true;
+    case Qt::Key_Up: panBy(0, 0.25); return true;
+    case Qt::Key_Down: panBy(0, -0.25); return true;
+    case Qt::Key_Home: dispatch(QStringLiteral("totale")); return true;
+    case Qt::Key_Backspace: dispatch(QStringLiteral("zoomprec")); return true;
+    default: return false;
+    }
 }
 
 void MainWindow::applyTypedScale()
@@ -198,7 +242,7 @@ bool MainWindow::openProjectInteractive()
         return false;
     const Status st = m_projects->open(path);
     applyProjectSession(m_state, m_projects->session());
-    m_history.clear();
+    m_state.extentHistory.clear();
     refreshLegend();
     m_map->refresh();
     updateCommandStates();

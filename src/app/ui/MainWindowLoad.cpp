@@ -13,6 +13,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QElapsedTimer>
+#include <cstdio>
 
 namespace mervola {
 
@@ -24,18 +26,29 @@ bool MainWindow::load()
     } guard;
 
     Startup startup(m_home, m_state);
+    // MERVOLA_TRACE=1 prints the time of each start-up step on stderr.
+    QElapsedTimer clock;
+    clock.start();
+    const bool trace = qEnvironmentVariableIsSet("MERVOLA_TRACE");
+    auto T = [&](const char *step) {
+        if (trace)
+            std::fprintf(stderr, "%s %lld ms\n", step, static_cast<long long>(clock.elapsed()));
+    };
     if (auto written = startup.ensurePristineSettings(); !written) {
         showMessage(MsgStyle::Critical, written.errorMessage());
         return false;
     }
+    T("pristine");
     startup.setRuntimeDefaults();
     if (auto st = startup.restorePristineState(); !st) {
         showMessage(MsgStyle::Critical, st.errorMessage());
         return false;
     }
+    T("restore");
     startup.setScaleDefaults();
     if (auto st = startup.restoreDefaultProject(*m_host); !st)
         showMessage(MsgStyle::Critical, st.errorMessage());
+    T("project");
     m_map->refresh();
 
     fillRegionBox();
@@ -48,7 +61,9 @@ bool MainWindow::load()
     m_state.busyLoading = false;
     refreshLegend();
 
+    T("legend");
     (void)startup.loadStructureTable();
+    T("structure");
 
     if (m_legend->entryCount() > 0) {
         m_legend->setActiveIndex(m_legend->entryCount() - 1);
@@ -160,7 +175,7 @@ void MainWindow::updateCommandStates()
     action(QStringLiteral("nolabel"))->setEnabled(labels);
     action(QStringLiteral("mnuInsEtichette"))->setEnabled(hasTheme);
     action(QStringLiteral("mnuElimEtichette"))->setEnabled(labels);
-    const bool history = m_history.count() > 0;
+    const bool history = m_state.extentHistory.count() > 0;
     action(QStringLiteral("zoomprec"))->setEnabled(history);
     action(QStringLiteral("mnuZoomPrec"))->setEnabled(history);
 }
