@@ -2,7 +2,9 @@
 // A paint device that records what a QPainter draws as a vector Enhanced
 // Metafile: filled paths become POLYPOLYGON records (alternate or winding
 // fill), strokes POLYLINE/POLYPOLYLINE records, text EXTTEXTOUTW records
-// with a created font. Images and pixmaps are not recorded.
+// with a created font. Hatched brushes and wide dashed pens are written as
+// the lines they draw, so that every reader shows them alike. Images,
+// pixmaps, clipping and partial transparency are not recorded.
 //
 //   EmfDevice device(QSize(800, 600));
 //   QPainter p(&device);

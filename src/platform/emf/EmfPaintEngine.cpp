@@ -8,6 +8,7 @@
 #include <QPainterPath>
 #include <QTextItem>
 #include <cmath>
+#include <numbers>
 
 namespace mervola::emf {
 
@@ -333,7 +334,7 @@ void EmfPaintEngine::drawTextItem(const QPointF &p, const QTextItem &textItem)
     const double pixelSize = font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF() * m_device->m_dpi / 72.0;
     // The painter's rotation is clockwise on screen; escapement counts
     // counter-clockwise.
-    const double degrees = std::atan2(m_transform.m12(), m_transform.m11()) * 180.0 / M_PI;
+    const double degrees = std::atan2(m_transform.m12(), m_transform.m11()) * 180.0 / std::numbers::pi;
     int escapement = int(std::lround(-degrees * 10)) % 3600;
     if (escapement < 0)
         escapement += 3600;
@@ -377,9 +378,9 @@ void EmfPaintEngine::drawTextItem(const QPointF &p, const QTextItem &textItem)
                                text, advances);
 }
 
-void EmfPaintEngine::drawPixmap(const QRectF &, const QPixmap &, const QRectF &)
-{
-    // Raster pictures are not part of the maps we record.
-}
+// Raster pictures are not part of the maps we record.
+void EmfPaintEngine::drawPixmap(const QRectF &, const QPixmap &, const QRectF &) {}
+
+void EmfPaintEngine::drawImage(const QRectF &, const QImage &, const QRectF &, Qt::ImageConversionFlags) {}
 
 }  // namespace mervola::emf

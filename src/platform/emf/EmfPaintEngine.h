@@ -32,6 +32,7 @@ public:
     void drawPolygon(const QPointF *points, int pointCount, PolygonDrawMode mode) override;
     void drawTextItem(const QPointF &p, const QTextItem &textItem) override;
     void drawPixmap(const QRectF &r, const QPixmap &pm, const QRectF &sr) override;
+    void drawImage(const QRectF &r, const QImage &image, const QRectF &sr, Qt::ImageConversionFlags flags) override;
     Type type() const override { return QPaintEngine::User; }
 
 private:
