@@ -5,6 +5,7 @@
 #include "platform/map/MapRenderer.h"
 
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QRegularExpression>
 
 namespace mervola::cli {
@@ -99,7 +100,11 @@ int cmdRender(const QStringList &args)
     if (!loaded)
         return fail(loaded.errorMessage());
 
-    if (Status s = map::exportMap(model, model.extent(), size, out); !s)
+    map::RenderOptions options;
+    // Text needs the font database of a GUI application; the command line
+    // runs as a plain core application unless started with one.
+    options.labels = qobject_cast<QGuiApplication *>(QCoreApplication::instance()) != nullptr;
+    if (Status s = map::exportMap(model, model.extent(), size, out, options); !s)
         return fail(s.errorMessage());
     return 0;
 }
