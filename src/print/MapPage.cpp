@@ -214,6 +214,12 @@ MapPageLayout layoutMapPage(const QRectF &pageRect, const MapPageSpec &spec, con
             const double top = fit.size.height() <= middle.bottom() - l.mapFrame.top() ? l.mapFrame.top()
                                                                                       : middle.top();
             l.legend = QRectF(l.mapFrame.right() + kGapMm * u, top, fit.size.width(), middle.bottom() - top);
+            // Map and legend together, centred across the page.
+            const double group = l.legend.right() - l.mapFrame.left();
+            const double shift = std::floor(std::max(0.0, (middle.width() - group) / 2 - (l.mapFrame.left() - middle.left())));
+            l.mapFrame.translate(shift, 0);
+            l.mapArea.translate(shift, 0);
+            l.legend.translate(shift, 0);
         } else {
             const LegendFit fit = fitPortraitLegend(lines, middle, u, l.dpi, device);
             l.legendFactor = fit.factor;

@@ -1,7 +1,6 @@
 #include "print/ui/FrmModMappa.h"
 
-#include "platform/Messages.h"
-#include "print/ui/FrmFont.h"
+#include "print/ui/PageDialogs.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -9,60 +8,12 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
 namespace mervola {
-
-FontFamiliesSource defaultFontFamilies()
-{
-    return [] { return installedFontFamilies(); };
-}
-
-bool choosePageFont(QWidget *parent, QString &font, const FontFamiliesSource &families)
-{
-    const QStringList list = families ? families() : installedFontFamilies();
-    if (list.isEmpty()) {
-        showMessage(MsgStyle::Exclamation, PrintText::kNoFonts);
-        return false;
-    }
-    const QString before = font;
-    FrmFont dlg(font, list, parent);
-    dlg.exec();
-    return font != before;
-}
-
-namespace {
-
-QDialogButtonBox *okCancel(QDialog *dlg)
-{
-    auto *box = new QDialogButtonBox(dlg);
-    auto *ok = box->addButton(QStringLiteral("OK"), QDialogButtonBox::AcceptRole);
-    ok->setObjectName(QStringLiteral("cmdOK"));
-    ok->setDefault(true);
-    auto *cancel = box->addButton(QStringLiteral("Annulla"), QDialogButtonBox::RejectRole);
-    cancel->setObjectName(QStringLiteral("cmdAnnulla"));
-    QObject::connect(box, &QDialogButtonBox::accepted, dlg, &QDialog::accept);
-    QObject::connect(box, &QDialogButtonBox::rejected, dlg, &QDialog::reject);
-    return box;
-}
-
-// A font button with the chosen family shown beside it.
-QHBoxLayout *fontRow(QDialog *dlg, QLabel *label, const QString &caption, const std::function<void()> &onClick)
-{
-    auto *button = new QPushButton(caption, dlg);
-    button->setObjectName(QStringLiteral("cmdFont"));
-    QObject::connect(button, &QPushButton::clicked, dlg, onClick);
-    auto *row = new QHBoxLayout;
-    row->addWidget(label, 1);
-    row->addWidget(button);
-    return row;
-}
-
-}  // namespace
 
 FrmModMappa::FrmModMappa(const MapPageSpec &spec, FontFamiliesSource families, QWidget *parent)
     : QDialog(parent), m_families(std::move(families)), m_font(spec.titleFont)
@@ -98,7 +49,7 @@ FrmModMappa::FrmModMappa(const MapPageSpec &spec, FontFamiliesSource families, Q
     auto *form = new QFormLayout;
     form->addRow(QStringLiteral("&Titolo:"), m_title);
     form->addRow(QStringLiteral("Carattere:"),
-                 fontRow(this, m_fontLabel, QStringLiteral("&Carattere..."), [this] { cmdFont_Click(); }));
+                 pagedlg::fontRow(this, m_fontLabel, QStringLiteral("&Carattere..."), [this] { cmdFont_Click(); }));
     form->addRow(QStringLiteral("&Dimensione:"), m_size);
     auto *legendLabel = new QLabel(QStringLiteral("&Nomi dei temi nella legenda:"), this);
     legendLabel->setBuddy(m_names);
@@ -107,7 +58,7 @@ FrmModMappa::FrmModMappa(const MapPageSpec &spec, FontFamiliesSource families, Q
     layout->addLayout(form);
     layout->addWidget(legendLabel);
     layout->addWidget(m_names, 1);
-    layout->addWidget(okCancel(this));
+    layout->addWidget(pagedlg::okCancel(this));
     resize(440, 380);
 }
 
@@ -127,37 +78,6 @@ MapPageSpec FrmModMappa::result(MapPageSpec spec) const
         if (!name.isEmpty())
             spec.legend[std::size_t(m_rows[std::size_t(row)])].alias = name;
     }
-    return spec;
-}
-
-FrmModTesto::FrmModTesto(const MapPageSpec &spec, FontFamiliesSource families, QWidget *parent)
-    : QDialog(parent), m_families(std::move(families)), m_font(spec.textFont)
-{
-    setObjectName(QStringLiteral("frmModTesto"));
-    setWindowTitle(QStringLiteral("Testo"));
-
-    auto *prompt = new QLabel(QStringLiteral("&Testo da stampare sotto la mappa:"), this);
-    m_text = new QPlainTextEdit(spec.freeText, this);
-    m_text->setObjectName(QStringLiteral("txtTesto"));
-    prompt->setBuddy(m_text);
-    m_fontLabel = new QLabel(m_font, this);
-    m_fontLabel->setObjectName(QStringLiteral("lblFont"));
-
-    auto *layout = new QVBoxLayout(this);
-    layout->addWidget(prompt);
-    layout->addWidget(m_text, 1);
-    layout->addLayout(fontRow(this, m_fontLabel, QStringLiteral("&Carattere..."), [this] {
-        if (choosePageFont(this, m_font, m_families))
-            m_fontLabel->setText(m_font);
-    }));
-    layout->addWidget(okCancel(this));
-    resize(420, 300);
-}
-
-MapPageSpec FrmModTesto::result(MapPageSpec spec) const
-{
-    spec.freeText = m_text->toPlainText();
-    spec.textFont = m_font;
     return spec;
 }
 

@@ -5,8 +5,10 @@
 // description and changes nothing in the program.
 
 #include "platform/Result.h"
+#include "platform/ui/LegendView.h"
 #include "print/MapPage.h"
 #include "print/ui/FrmModMappa.h"
+#include "print/ui/FrmModTesto.h"
 
 #include <QDialog>
 #include <memory>
@@ -20,8 +22,6 @@ class QRadioButton;
 class QTimer;
 
 namespace mervola {
-
-struct LegendEntry;
 
 // The page title for a window caption: the caption, or "Mervola" when empty.
 QString defaultPageTitle(const QString &caption);

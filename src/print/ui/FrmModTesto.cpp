@@ -1,0 +1,44 @@
+#include "print/ui/FrmModTesto.h"
+
+#include "print/ui/PageDialogs.h"
+
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QVBoxLayout>
+
+namespace mervola {
+
+FrmModTesto::FrmModTesto(const MapPageSpec &spec, FontFamiliesSource families, QWidget *parent)
+    : QDialog(parent), m_families(std::move(families)), m_font(spec.textFont)
+{
+    setObjectName(QStringLiteral("frmModTesto"));
+    setWindowTitle(QStringLiteral("Testo"));
+
+    auto *prompt = new QLabel(QStringLiteral("&Testo da stampare sotto la mappa:"), this);
+    m_text = new QPlainTextEdit(spec.freeText, this);
+    m_text->setObjectName(QStringLiteral("txtTesto"));
+    prompt->setBuddy(m_text);
+    m_fontLabel = new QLabel(m_font, this);
+    m_fontLabel->setObjectName(QStringLiteral("lblFont"));
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(prompt);
+    layout->addWidget(m_text, 1);
+    layout->addLayout(pagedlg::fontRow(this, m_fontLabel, QStringLiteral("&Carattere..."), [this] {
+        if (choosePageFont(this, m_font, m_families))
+            m_fontLabel->setText(m_font);
+    }));
+    layout->addWidget(pagedlg::okCancel(this));
+    resize(420, 300);
+}
+
+MapPageSpec FrmModTesto::result(MapPageSpec spec) const
+{
+    spec.freeText = m_text->toPlainText();
+    spec.textFont = m_font;
+    return spec;
+}
+
+}  // namespace mervola
