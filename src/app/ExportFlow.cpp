@@ -46,6 +46,8 @@ Status runExportCommand(const map::MapModel &model, const map::MapRect &extent, 
         return {};
     if (QFileInfo(path).suffix().isEmpty())
         path += QStringLiteral(".bmp");
+    if (!map::exportFormatFor(path))
+        return Status::fail(map::unsupportedFormatMessage(path));
     if (QFileInfo::exists(path) &&
         showMessage(MsgStyle::Exclamation | MsgStyle::OkCancel, overwriteQuestion(path)) != MsgAnswer::Ok)
         return {};

@@ -6,8 +6,10 @@
 // The main window calls
 //   runExportCommand(model, widget->extent(), widget->size(),
 //                    [this](const QString &title, const QString &filter) {
-//                        return QFileDialog::getSaveFileName(this, title, QString(), filter);
+//                        return QFileDialog::getSaveFileName(this, title, QString(), filter, nullptr,
+//                                                            QFileDialog::DontConfirmOverwrite);
 //                    });
+// (the dialog must not ask its own overwrite question: this flow asks it).
 // and shows a returned error in a critical box (style 16).
 
 #include "platform/Result.h"
@@ -49,8 +51,9 @@ using ChooseSaveFile = std::function<QString(QString title, QString filter)>;
 
 // Runs the command: chooser, overwrite question (OK/Cancel, style 49;
 // Cancel ends without writing), export of `extent` at `pixels`. A name
-// without extension gets ".bmp", the first format of the list. Returns the
-// export's error, if any; cancelling is not an error.
+// without extension gets ".bmp", the first format of the list; a name with
+// an extension we do not write is refused before any question. Returns the
+// error, if any; cancelling is not an error.
 Status runExportCommand(const map::MapModel &model, const map::MapRect &extent, QSize pixels,
                         const ChooseSaveFile &chooseFile);
 

@@ -151,7 +151,9 @@ private slots:
 
     void failedExportIsReturnedNotShown()
     {
+        // An existing file of a format we do not write: no question, no change.
         QTemporaryDir dir;
+        write(dir.filePath(QStringLiteral("mappa.gif")), "GIF89a");
         MessageRecorder recorder;
         const map::MapModel model = squareModel();
         const Status s = runExportCommand(model, model.extent(), QSize(40, 30), [&](QString, QString) {
@@ -160,7 +162,8 @@ private slots:
         QVERIFY(!s.ok());
         QVERIFY(s.errorMessage().contains(QStringLiteral("mappa.gif")));
         QVERIFY(recorder.entries().isEmpty());
-        QVERIFY(QDir(dir.path()).isEmpty());
+        QCOMPARE(contents(dir.filePath(QStringLiteral("mappa.gif"))), QByteArray("GIF89a"));
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{QStringLiteral("mappa.gif")});
     }
 };
 
