@@ -216,7 +216,8 @@ MapPageLayout layoutMapPage(const QRectF &pageRect, const MapPageSpec &spec, con
             l.legend = QRectF(l.mapFrame.right() + kGapMm * u, top, fit.size.width(), middle.bottom() - top);
             // Map and legend together, centred across the page.
             const double group = l.legend.right() - l.mapFrame.left();
-            const double shift = std::floor(std::max(0.0, (middle.width() - group) / 2 - (l.mapFrame.left() - middle.left())));
+            const double left = middle.left() + (middle.width() - group) / 2;
+            const double shift = std::floor(std::max(0.0, left - l.mapFrame.left()));
             l.mapFrame.translate(shift, 0);
             l.mapArea.translate(shift, 0);
             l.legend.translate(shift, 0);

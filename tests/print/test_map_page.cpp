@@ -193,6 +193,22 @@ private slots:
         QVERIFY(l.mapFrame.height() <= without.mapFrame.height());
     }
 
+    void hiddenThemesStayOutOfTheLegend()
+    {
+        MapPageSpec spec = stripePage(QPageLayout::Landscape);
+        const MapPageLayout shown = layoutFor(spec, kLandscape);
+        MapPageTheme hidden;
+        hidden.alias = QStringLiteral("Un nome di tema molto lungo che allargherebbe la legenda");
+        hidden.visible = false;
+        hidden.classes.assign(40, {Qt::red, Qt::black, QStringLiteral("classe"), 1});
+        spec.legend.push_back(hidden);
+        QCOMPARE(layoutFor(spec, kLandscape).legend, shown.legend);
+        spec.legend.erase(spec.legend.begin());
+        const MapPageLayout none = layoutFor(spec, kLandscape);
+        QVERIFY(none.legend.isEmpty());
+        QVERIFY(none.mapFrame.width() > shown.mapFrame.width());
+    }
+
     void manyClassesShrinkTheLegendInsteadOfTheMap()
     {
         MapPageSpec spec = stripePage(QPageLayout::Portrait);

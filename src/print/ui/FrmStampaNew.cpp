@@ -70,14 +70,14 @@ std::vector<MapPageTheme> pageLegendFrom(const std::vector<LegendEntry> &entries
     return out;
 }
 
-MapPageSpec mapPageSpecFor(const map::MapModel &model, const std::vector<LegendEntry> &entries,
-                           const QString &caption)
+MapPageSpec mapPageSpecFor(const map::MapModel &model, const map::MapRect &extent,
+                           const std::vector<LegendEntry> &entries, const QString &caption)
 {
     MapPageSpec spec;
     spec.title = defaultPageTitle(caption);
     spec.dateText = defaultDateText();
     spec.model = model;
-    spec.extent = model.extent();
+    spec.extent = extent.isEmpty() ? model.extent() : extent;
     spec.legend = entries.empty() ? legendFromModel(model) : pageLegendFrom(entries);
     return spec;
 }

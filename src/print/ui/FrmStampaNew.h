@@ -31,9 +31,10 @@ QString defaultPageTitle(const QString &caption);
 std::vector<MapPageTheme> pageLegendFrom(const std::vector<LegendEntry> &entries);
 
 // A page description for the map as the window shows it: a copy of the
-// model, its current extent, the legend entries and the caption.
-MapPageSpec mapPageSpecFor(const map::MapModel &model, const std::vector<LegendEntry> &entries,
-                           const QString &caption);
+// model, the extent shown, the legend panel's entries (the model's own
+// legend when empty), the caption as title and today's date.
+MapPageSpec mapPageSpecFor(const map::MapModel &model, const map::MapRect &extent,
+                           const std::vector<LegendEntry> &entries, const QString &caption);
 
 class FrmStampaNew : public QDialog {
     Q_OBJECT

@@ -158,6 +158,26 @@ private slots:
         QCOMPARE(legend[1].classes[1].fill, QColor(Qt::blue));
     }
 
+    void pageOfTheShownMap()
+    {
+        const MapPageSpec shown = stripePage(QPageLayout::Portrait);
+        const map::MapRect view(50000, 80000, 150000, 20000);
+        LegendEntry entry;
+        entry.alias = QStringLiteral("Comuni");
+        const MapPageSpec fromPanel = mapPageSpecFor(shown.model, view, {entry}, QString());
+        QCOMPARE(fromPanel.title, QStringLiteral("Mervola"));
+        QCOMPARE(fromPanel.extent, view);
+        QCOMPARE(fromPanel.model.layerCount(), 1);
+        QCOMPARE(int(fromPanel.legend.size()), 1);
+        QCOMPARE(fromPanel.legend[0].alias, QStringLiteral("Comuni"));
+        QVERIFY(!fromPanel.dateText.isEmpty());
+        // Without panel entries the legend comes from the layers' renderers.
+        const MapPageSpec fromModel = mapPageSpecFor(shown.model, map::MapRect(), {}, QStringLiteral("Progetto"));
+        QCOMPARE(fromModel.title, QStringLiteral("Progetto"));
+        QCOMPARE(fromModel.extent, shown.model.extent());
+        QCOMPARE(int(fromModel.legend[0].classes.size()), 4);
+    }
+
     void titleEditorRenamesVisibleThemesOnly()
     {
         MapPageSpec spec = stripePage(QPageLayout::Portrait);
