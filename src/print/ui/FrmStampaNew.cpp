@@ -17,6 +17,7 @@
 #include <QPrinter>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -295,7 +296,13 @@ Status FrmStampaNew::savePdfTo(const QString &path) const { return writeMapPageP
 
 void FrmStampaNew::cmdSalvaPdf_Click()
 {
-    QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Salva la mappa in PDF"), QDir::homePath(),
+    // Suggest the title as file name, without characters file systems refuse.
+    QString name = m_spec.title.trimmed();
+    name.replace(QRegularExpression(QStringLiteral("[\\\\/:*?\"<>|]")), QStringLiteral("_"));
+    if (name.isEmpty())
+        name = QStringLiteral("mappa");
+    QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Salva la mappa in PDF"),
+                                                QDir::home().filePath(name + QStringLiteral(".pdf")),
                                                 QStringLiteral("Documenti PDF (*.pdf)"));
     if (path.isEmpty())
         return;
