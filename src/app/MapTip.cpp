@@ -144,6 +144,16 @@ void MapTip::MouseMove()
     m_timer->start();
 }
 
+void MapTip::reset()
+{
+    if (m_timer) {
+        m_timer->stop();
+        m_timer->setInterval(0);
+    }
+    if (m_panel)
+        m_panel->hideTip();
+}
+
 void MapTip::tick()
 {
     if (m_timer) {

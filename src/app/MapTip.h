@@ -81,6 +81,8 @@ public:
     void MouseMove();
     // The tip timer fired.
     void tick();
+    // The tip tool was released: timer disarmed, panel hidden.
+    void reset();
 
     // The layer of the element last shown; empty after NoLayer().
     const QString &layerName() const { return m_layer; }

@@ -169,6 +169,16 @@ private slots:
         m_source.cursor += QPoint(1, 1);
         m_tip.MouseMove();
         QVERIFY(!m_panel.visible);
+
+        // Releasing the tool leaves the panel hidden and the timer disarmed.
+        m_tip.tick();
+        m_tip.MouseMove();
+        m_tip.tick();
+        QVERIFY(m_panel.visible);
+        m_tip.MouseMove();
+        m_tip.reset();
+        QVERIFY(!m_panel.visible);
+        QVERIFY(!m_tip.armed());
     }
 
     void onlyEligibleVisibleLayersGiveTips_data()
