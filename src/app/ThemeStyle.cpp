@@ -1,5 +1,7 @@
 #include "app/ThemeStyle.h"
 
+#include "classify/ClassRange.h"
+
 #include <QHash>
 
 namespace mervola {
@@ -60,26 +62,9 @@ SymbolFields symbolFieldsOf(const map::Symbol &symbol)
     return f;
 }
 
-static double parseNumber(QString text, bool *ok)
-{
-    text = text.trimmed();
-    // Values may be written with the decimal comma of the Italian settings.
-    if (text.contains(QLatin1Char(',')) && !text.contains(QLatin1Char('.')))
-        text.replace(QLatin1Char(','), QLatin1Char('.'));
-    else
-        text.remove(QLatin1Char(','));
-    return text.toDouble(ok);
-}
-
 bool parseClassRange(const QString &value, double *lower, double *upper)
 {
-    const int sep = value.indexOf(QStringLiteral(" - "));
-    if (sep < 0)
-        return false;
-    bool ok1 = false, ok2 = false;
-    *lower = parseNumber(value.left(sep), &ok1);
-    *upper = parseNumber(value.mid(sep + 3), &ok2);
-    return ok1 && ok2;
+    return classify::parseRangeText(value, lower, upper);
 }
 
 map::Renderer rendererFromSettings(const ThemeSettings &s)
@@ -117,9 +102,7 @@ map::Renderer rendererFromSettings(const ThemeSettings &s)
     for (int i = 0; i < s.classes.size(); ++i) {
         double lo = 0, hi = 0;
         if (!parseClassRange(s.classes[i].value, &lo, &hi)) {
-            bool ok = false;
-            hi = parseNumber(s.classes[i].value, &ok);
-            if (!ok)
+            if (!classify::parseLimit(s.classes[i].value, &hi))
                 return map::SimpleRenderer{base};
         }
         r.setBreak(i, hi);

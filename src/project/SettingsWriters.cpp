@@ -163,4 +163,23 @@ Result<LoadedTheme> loadThemeFile(const QString &iniPath, const QString &themeNa
     return t;
 }
 
+QStringList updatedKeyLines(const ThemeSettings &old, const QString &themeName,
+                             const QList<QPair<ThemeKey, QString>> &values)
+{
+    ThemeSettings s = old;
+    for (const auto &[key, value] : values)
+        s.raw[size_t(key)] = value;
+    QStringList out;
+    out << QLatin1Char('[') + themeName.toUpper() + QLatin1Char(']');
+    for (ThemeKey key : themeKeys())
+        if (s.has(key))
+            out << line(key, s.rawValue(key));
+    return out;
+}
+
+Status updateThemeKeys(const QString &iniPath, const QString &themeName, const QList<QPair<ThemeKey, QString>> &values)
+{
+    return writeLinesReplacing(iniPath, updatedKeyLines(readThemeSettingsFile(iniPath, themeName), themeName, values));
+}
+
 }  // namespace mervola

@@ -65,4 +65,10 @@ struct LoadedTheme {
 // The caller adds the layer and applies the returned settings to it.
 Result<LoadedTheme> loadThemeFile(const QString &iniPath, const QString &themeName, const ThemeLoadOptions &options);
 
+// Replaces some keys of a theme's file (classification, symbol, labels ...)
+// and writes every key present in the standard order, section upper-cased.
+QStringList updatedKeyLines(const ThemeSettings &old, const QString &themeName,
+                            const QList<QPair<ThemeKey, QString>> &values);
+Status updateThemeKeys(const QString &iniPath, const QString &themeName, const QList<QPair<ThemeKey, QString>> &values);
+
 }  // namespace mervola

@@ -206,6 +206,8 @@ void MainWindow::buildCentre()
         }
     });
     connect(m_legend, &LegendView::activeThemeChanged, this, &MainWindow::activeThemeChanged);
+    connect(m_legend, &LegendView::themeDoubleClicked, this, &MainWindow::openClassification);
+    connect(m_legend, &LegendView::themeContextMenu, this, &MainWindow::showLegendMenu);
     connectMapTools();
 }
 

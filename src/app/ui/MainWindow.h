@@ -81,6 +81,13 @@ private:
     void selectTool(const QString &key, bool checked);
     void activeThemeChanged(const QString &layerName);
     QString aliasOf(const QString &layerName) const;
+    QString themeIniPath(const QString &layerName) const;
+    void reapplyTheme(const QString &layerName);
+    void openClassification(const QString &layerName);
+    void openLegendEditor(const QString &layerName);
+    void showLegendMenu(const QString &layerName, const QPoint &globalPos);
+    void exportMap();
+    void printMap();
     bool runGuarded(const QString &key, const std::function<void()> &fn);
 
     AtlasHome m_home;

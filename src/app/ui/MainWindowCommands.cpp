@@ -39,6 +39,12 @@ void MainWindow::dispatch(const QString &key)
             openProjectInteractive();
         } else if (key == QLatin1String("salva")) {
             saveProjectInteractive();
+        } else if (key == QLatin1String("esporta")) {
+            exportMap();
+        } else if (key == QLatin1String("stampa")) {
+            printMap();
+        } else if (key == QLatin1String("legenda")) {
+            openLegendEditor(m_legend->activeLayerName());
         } else if (key == QLatin1String("zoomtema")) {
             const map::MapLayer *layer = m_map->model().find(m_legend->activeLayerName());
             if (layer && !layer->extent().isEmpty()) {

@@ -1,0 +1,127 @@
+// Theme commands of the main window: classification, legend editor, export
+// and printing of the map.
+#include "app/ExportFlow.h"
+#include "app/ui/ThemeClassification.h"
+#include "app/ThemeStyle.h"
+#include "app/ui/MainWindow.h"
+#include "classify/ColumnReader.h"
+#include "platform/Messages.h"
+#include "platform/ui/LegendView.h"
+#include "platform/ui/MapWidget.h"
+#include "print/MapPage.h"
+#include "print/ui/FrmStampaNew.h"
+#include "project/ProjectFile.h"
+
+#include <QDate>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenu>
+
+namespace mervola {
+
+QString MainWindow::themeIniPath(const QString &layerName) const
+{
+    return m_home.supporto() + QLatin1Char('/') + settingsNameOfLayer(layerName) + QStringLiteral(".ini");
+}
+
+// Re-reads a theme's settings file and draws the layer by it.
+void MainWindow::reapplyTheme(const QString &layerName)
+{
+    map::MapLayer *layer = m_map->model().find(layerName);
+    if (!layer)
+        return;
+    applyThemeSettings(*layer, readThemeSettingsFile(themeIniPath(layerName), settingsNameOfLayer(layerName)));
+    m_state.projectModified = true;
+    refreshLegend();
+    m_map->refresh();
+}
+
+void MainWindow::openClassification(const QString &layerName)
+{
+    const map::MapLayer *layer = m_map->model().find(layerName);
+    if (!layer || !layer->data)
+        return;
+    const QString ini = themeIniPath(layerName);
+    const QString section = settingsNameOfLayer(layerName);
+    const ThemeSettings settings = readThemeSettingsFile(ini, section);
+    const QList<classify::CandidateField> fields =
+        candidateFields(*layer->data, m_state.structure, ReferenceDb(m_home));
+    if (fields.isEmpty()) {
+        showMessage(MsgStyle::Exclamation, QStringLiteral("Il tema non ha campi numerici da classificare."));
+        return;
+    }
+    QString dbf = layer->data->sourcePath;
+    dbf = dbf.left(dbf.size() - 4) + QStringLiteral(".dbf");
+    classify::ClassificationDialog dialog(aliasOf(layerName), fields,
+                                          [dbf](const QString &f) { return classify::readFieldColumn(dbf, f); },
+                                          savedClassification(settings).value_or(classify::Classification{}), this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    if (auto st = storeClassification(ini, section, dialog.classification()); !st) {
+        showMessage(MsgStyle::Critical, st.errorMessage());
+        return;
+    }
+    reapplyTheme(layerName);
+}
+
+void MainWindow::openLegendEditor(const QString &layerName)
+{
+    if (!m_map->model().find(layerName))
+        return;
+    const QString ini = themeIniPath(layerName);
+    const QString section = settingsNameOfLayer(layerName);
+    ThemeSettings settings = readThemeSettingsFile(ini, section);
+    settings.visible = m_map->model().find(layerName)->visible;
+    classify::LegendEditor editor(legendEntryOf(settings, aliasOf(layerName)), this);
+    if (editor.exec() != QDialog::Accepted)
+        return;
+    if (auto st = storeLegendEntry(ini, section, settings, editor.entry()); !st) {
+        showMessage(MsgStyle::Critical, st.errorMessage());
+        return;
+    }
+    reapplyTheme(layerName);
+}
+
+void MainWindow::showLegendMenu(const QString &layerName, const QPoint &globalPos)
+{
+    QMenu menu(this);
+    menu.addAction(QStringLiteral("&Classificazione..."), this, [this, layerName] { openClassification(layerName); });
+    menu.addAction(QStringLiteral("&Editor della legenda..."), this, [this, layerName] { openLegendEditor(layerName); });
+    menu.addSeparator();
+    menu.addAction(QStringLiteral("&Zoom al tema"), this, [this] { dispatch(QStringLiteral("zoomtema")); });
+    menu.addAction(QStringLiteral("&Aggiungi etichette..."), this, [this] { dispatch(QStringLiteral("label")); });
+    menu.exec(globalPos);
+}
+
+void MainWindow::exportMap()
+{
+    const Status st = runExportCommand(m_map->model(), m_map->extent(), m_map->size(),
+                                       [this](const QString &title, const QString &filter) {
+                                           return QFileDialog::getSaveFileName(this, title, m_home.root(), filter,
+                                                                               nullptr,
+                                                                               QFileDialog::DontConfirmOverwrite);
+                                       });
+    if (!st && !st.errorMessage().isEmpty())
+        showMessage(MsgStyle::Critical, st.errorMessage());
+}
+
+void MainWindow::printMap()
+{
+    if (!hasVisibleTheme(m_map->model())) {
+        showMessage(MsgStyle::Exclamation,
+                    QStringLiteral("La procedura di stampa non può esssere avviata senza temi visibili."));
+        return;
+    }
+    MapPageSpec spec;
+    const QString caption = windowTitle();
+    spec.title = caption.startsWith(ProjectText::kCaptionPrefix) ? caption.mid(ProjectText::kCaptionPrefix.size())
+                                                                 : QStringLiteral("Mervola");
+    spec.titleFont = m_state.labelFont;
+    spec.dateText = QLocale(QLocale::Italian).toString(QDate::currentDate(), QStringLiteral("d MMMM yyyy"));
+    spec.model = m_map->model();
+    spec.extent = m_map->extent();
+    spec.legend = legendFromModel(spec.model, [this](const QString &n) { return aliasOf(n); });
+    openMapPrintPage(this, spec);
+}
+
+}  // namespace mervola
