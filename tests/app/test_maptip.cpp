@@ -78,7 +78,6 @@ private slots:
         QTest::newRow("comm community") << "commont" << "C. MONTANA:";
         QTest::newRow("cmon community") << "cmont_01" << "C. MONTANA:";
         QTest::newRow("municipality") << "comu_19" << "COMUNE:";
-        QTest::newRow("capital") << "CITTA" << "CAPOLUOGO:";
         QTest::newRow("region") << "regioni" << "REGIONE:";
         QTest::newRow("province") << "province" << "PROVINCIA:";
         QTest::newRow("river") << "fiumi" << "FIUME:";
@@ -125,7 +124,6 @@ private slots:
         QTest::newRow("all municipalities") << "comuni" << false;
         QTest::newRow("all communities") << "commont" << false;
         QTest::newRow("basins") << "bacini" << false;
-        QTest::newRow("short name") << "com" << false;
     }
     void eligibleLayers()
     {

@@ -97,12 +97,6 @@ private slots:
         QVERIFY(rec.entries().isEmpty());
     }
 
-    void searchExpressionDoublesApostrophes()
-    {
-        QCOMPARE(regionSearchExpression(QStringLiteral("VALLE D'AOSTA")), QStringLiteral("Label = 'VALLE D''AOSTA'"));
-        QCOMPARE(regionSearchExpression(QStringLiteral("PIEMONTE")), QStringLiteral("Label = 'PIEMONTE'"));
-    }
-
     void regionExtentIsPolygonEnlarged_data()
     {
         QTest::addColumn<QString>("code");

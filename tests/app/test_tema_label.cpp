@@ -68,36 +68,6 @@ private slots:
         QVERIFY(writeFile(m_ini, kThemeFile.toUtf8()));
     }
 
-    void serialisedForm_data()
-    {
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("font");
-        QTest::addColumn<int>("rotation");
-        QTest::addColumn<double>("height");
-        QTest::addColumn<int>("color");
-        QTest::addColumn<QString>("field");
-        QTest::newRow("five values") << "Times New Roman^45^12^255^Label^" << "Times New Roman" << 45 << 12.0 << 255
-                                     << "Label";
-        QTest::newRow("plain field") << "COD_REG" << "Arial" << 0 << 8.0 << 0 << "COD_REG";
-        QTest::newRow("no labels") << "*" << "Arial" << 0 << 8.0 << 0 << "";
-    }
-    void serialisedForm()
-    {
-        QFETCH(QString, value);
-        QFETCH(QString, font);
-        QFETCH(int, rotation);
-        QFETCH(double, height);
-        QFETCH(int, color);
-        QFETCH(QString, field);
-        const TemaLabel t = TemaLabel::parse(value);
-        QCOMPARE(t.LabelFont, font);
-        QCOMPARE(t.LabelRotation, rotation);
-        QCOMPARE(t.LabelHeight, height);
-        QCOMPARE(t.LabelColor, color);
-        QCOMPARE(t.LabelField, field);
-        QCOMPARE(TemaLabel::parse(t.serialise()), t);
-    }
-
     void emptyValueStopsBeforeLaterSteps_data()
     {
         QTest::addColumn<QString>("rotation");
@@ -200,15 +170,6 @@ private slots:
         }
         QCOMPARE(gotTexts, texts);
         QCOMPARE(gotFields, listed);
-    }
-
-    void windowDefaultsForThemeWithoutLabels()
-    {
-        map::LabelRenderer none;
-        none.field = QStringLiteral("dummy");
-        const LabelForm f = labelFormFor(none, {{QStringLiteral("Denominazione"), QStringLiteral("Label")}});
-        QCOMPARE(f, (LabelForm{QStringLiteral("Arial"), QStringLiteral("0"), QStringLiteral("8"), 0,
-                               QStringLiteral("Denominazione")}));
     }
 
     void labelsSurviveProjectSaveAndOpen()

@@ -114,17 +114,6 @@ private slots:
         QCOMPARE(renderer.height, 12.0);
     }
 
-    void annullaAppliesNothing()
-    {
-        bool applied = false;
-        FrmLabelProperties w(input());
-        w.setApply([&](const LabelForm &) { return applied = true; });
-        w.show();
-        QTest::mouseClick(child<QPushButton>(w, "cmdAnnulla"), Qt::LeftButton);
-        QVERIFY(!applied);
-        QCOMPARE(w.result(), int(QDialog::Rejected));
-    }
-
     void fontButtonWithoutFonts()
     {
         MessageRecorder rec;

@@ -47,13 +47,6 @@ private slots:
         QCOMPARE(listed(f), (QStringList{"Zapf", "Arial", "Courier", "Bitstream"}));
     }
 
-    void installedFamiliesListed()
-    {
-        QString font;
-        FrmFont f(font);
-        QCOMPARE(listed(f), uniqueFamilies(QFontDatabase::families()));
-    }
-
     void buttons_data()
     {
         QTest::addColumn<QString>("button");
