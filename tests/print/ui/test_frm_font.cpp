@@ -2,7 +2,6 @@
 // back, Annulla keeps the caller's font.
 #include "print/ui/FrmFont.h"
 
-#include <QFontDatabase>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
