@@ -6,6 +6,7 @@
 #include "app/Scale.h"
 #include "app/Twips.h"
 #include "app/ui/Icons.h"
+#include "app/ui/MapTipPanel.h"
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
 #include "platform/ui/MapWidget.h"
@@ -51,6 +52,8 @@ MainWindow::MainWindow(AtlasHome home, AppState &state, QWidget *parent)
     buildMenus();
     buildCentre();
     buildCoolBar();
+    m_mapTip = installMapTips(m_map, m_tipTimer);
+    connect(m_regions, &QComboBox::activated, this, &MainWindow::chooseRegion);
 
     m_coord = new QLabel(this);
     m_coord->setObjectName(QStringLiteral("coord"));
@@ -197,6 +200,8 @@ void MainWindow::buildCentre()
     connect(m_map, &MapWidget::mouseMoved, this, [this](double x, double y) {
         m_coord->setText(QStringLiteral("X:") + QString::number(x, 'f', 2) + QStringLiteral("   Y:")
                          + QString::number(y, 'f', 2));
+        if (m_mapTip && action(QStringLiteral("tooltip"))->isChecked())
+            m_mapTip->MouseMove();
     });
     connect(m_legend, &LegendView::visibilityToggled, this, [this](const QString &name, bool on) {
         if (map::MapLayer *l = m_map->model().find(name)) {

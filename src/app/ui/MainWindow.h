@@ -20,6 +20,7 @@ class QToolBar;
 namespace mervola {
 
 class LegendView;
+class MapTip;
 class MapWidget;
 class ProjectFiles;
 
@@ -88,6 +89,9 @@ private:
     void showLegendMenu(const QString &layerName, const QPoint &globalPos);
     void exportMap();
     void printMap();
+    void addLabels();
+    void removeLabels();
+    void chooseRegion(int index);
     bool runGuarded(const QString &key, const std::function<void()> &fn);
 
     AtlasHome m_home;
@@ -109,6 +113,7 @@ private:
     double m_lastValidScale = 0;
     double m_legendTwips = 3795;
     bool m_painted = false;
+    MapTip *m_mapTip = nullptr;
 };
 
 }  // namespace mervola

@@ -3,6 +3,7 @@
 #include "app/Scale.h"
 #include "app/Startup.h"
 #include "app/ui/MainWindow.h"
+#include "app/MapTip.h"
 #include "app/ui/SplashWindow.h"
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
@@ -43,6 +44,12 @@ void MainWindow::dispatch(const QString &key)
             exportMap();
         } else if (key == QLatin1String("stampa")) {
             printMap();
+        } else if (key == QLatin1String("label")) {
+            addLabels();
+        } else if (key == QLatin1String("nolabel")) {
+            removeLabels();
+        } else if (key == QLatin1String("mnuElimJoin")) {
+            updateCommandStates();
         } else if (key == QLatin1String("legenda")) {
             openLegendEditor(m_legend->activeLayerName());
         } else if (key == QLatin1String("zoomtema")) {
@@ -93,6 +100,8 @@ void MainWindow::selectTool(const QString &key, bool checked)
         m_map->setMode(MapWidget::Mode::Click);
     else
         m_map->setMode(MapWidget::Mode::None);
+    if (m_mapTip && !pressed("tooltip"))
+        m_mapTip->reset();
 }
 
 void MainWindow::connectMapTools()

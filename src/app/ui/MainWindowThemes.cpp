@@ -1,6 +1,10 @@
 // Theme commands of the main window: classification, legend editor, export
 // and printing of the map.
 #include "app/ExportFlow.h"
+#include "app/RegionSwitch.h"
+#include "app/Startup.h"
+#include "app/TemaLabel.h"
+#include "app/ui/FrmLabelProperties.h"
 #include "app/ui/ThemeClassification.h"
 #include "app/ThemeStyle.h"
 #include "app/ui/MainWindow.h"
@@ -15,6 +19,8 @@
 #include <QDate>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QAction>
+#include <QComboBox>
 #include <QMenu>
 
 namespace mervola {
@@ -122,6 +128,53 @@ void MainWindow::printMap()
     spec.extent = m_map->extent();
     spec.legend = legendFromModel(spec.model, [this](const QString &n) { return aliasOf(n); });
     openMapPrintPage(this, spec);
+}
+
+void MainWindow::addLabels()
+{
+    const QString name = m_legend->activeLayerName();
+    if (name.isEmpty())
+        return;
+    if (runLabelCommand(this, m_map->model(), m_home, m_state, name)) {
+        m_state.projectModified = true;
+        m_map->refresh();
+        updateCommandStates();
+    }
+}
+
+void MainWindow::removeLabels()
+{
+    const QString name = m_legend->activeLayerName();
+    if (name.isEmpty())
+        return;
+    if (auto st = RemoveLabels(m_map->model(), name, themeIniPath(name)); !st) {
+        showMessage(MsgStyle::Critical, st.errorMessage());
+        return;
+    }
+    m_state.projectModified = true;
+    m_map->refresh();
+    updateCommandStates();
+}
+
+void MainWindow::chooseRegion(int index)
+{
+    const RegionEntry region{m_regions->itemText(index), m_regions->itemData(index).toString()};
+    auto result = switchRegion(m_map->model(), m_home, region, m_state);
+    if (!result) {
+        showMessage(MsgStyle::Critical, result.errorMessage());
+    } else if (result->extent) {
+        saveView();
+        setMapExtent(*result->extent);
+    }
+    m_state.projectModified = true;
+    refreshLegend();
+    m_map->refresh();
+    if (m_legend->activeIndex() < 0 && m_legend->entryCount() > 0)
+        m_legend->setActiveIndex(m_legend->entryCount() - 1);
+    m_state.activeTheme = aliasOf(m_legend->activeLayerName());
+    (void)Startup(m_home, m_state).setActiveTheme(m_state.activeTheme);
+    updateCommandStates();
+    startScaleTimer();
 }
 
 }  // namespace mervola

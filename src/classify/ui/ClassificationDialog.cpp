@@ -54,7 +54,12 @@ ClassificationDialog::ClassificationDialog(const QString &theme, const QList<Can
 {
     buildUi(theme);
     selectCurrent(current);
-    refresh();
+    // A theme without classes opens with the first field already classified,
+    // so the user sees classes and histogram at once.
+    if (current.classes.empty() && !currentField().isEmpty())
+        classify();
+    else
+        refresh();
 }
 
 void ClassificationDialog::buildUi(const QString &theme)

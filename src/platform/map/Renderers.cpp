@@ -137,7 +137,8 @@ ResolvedStyle resolve(const ValueMapRenderer &r, const LayerData &d)
         std::vector<std::pair<double, int>> keys;
         for (int i = 0; i < r.valueCount(); ++i) {
             bool ok = false;
-            const double v = r.value(i).trimmed().toDouble(&ok);
+            // Unique values may be written with the Italian decimal comma.
+            const double v = QString(r.value(i).trimmed()).replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);
             if (ok)
                 keys.emplace_back(v, i);
         }
