@@ -58,7 +58,10 @@ bool isTipLayer(const QString &layerName)
     for (const char *p : kTipPrefixes)
         if (head == QLatin1String(p))
             return true;
-    return false;
+    // The standard whole-Italy layers ("comuni", "commont", "bacini" ...)
+    // carry one of the names of the second caption table: they show tips too,
+    // so the all-Italy view is not silent.
+    return !tipCaptionByName(layerName).isEmpty();
 }
 
 QString tipCaptionByPrefix(const QString &layerName)
@@ -163,8 +166,16 @@ void MapTip::tick()
     if (!m_panel || !m_source)
         return;
     const QPoint cursor = m_source->cursorPosition();
-    if (cursor != m_armedAt)
+    if (cursor != m_armedAt) {
+        // Still moving: wait another interval from where the cursor is now,
+        // so the tip comes once it rests, without waiting for another move.
+        m_armedAt = cursor;
+        if (m_timer) {
+            m_timer->setInterval(kIntervalMs);
+            m_timer->start();
+        }
         return;
+    }
     const double tolerance = kHitPixels * m_source->unitsPerPixel();
     const auto hit = findTipElement(m_source->tipModel(), m_source->toMapPoint(cursor), tolerance);
     if (!hit)

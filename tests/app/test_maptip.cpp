@@ -121,9 +121,10 @@ private slots:
         QTest::newRow("region communities") << "CMONT_02" << true;
         QTest::newRow("motorways") << "astrade" << true;
         QTest::newRow("capitals") << "citta" << true;
-        QTest::newRow("all municipalities") << "comuni" << false;
-        QTest::newRow("all communities") << "commont" << false;
-        QTest::newRow("basins") << "bacini" << false;
+        QTest::newRow("all municipalities") << "comuni" << true;
+        QTest::newRow("all communities") << "commont" << true;
+        QTest::newRow("basins by whole name") << "bacini" << true;
+        QTest::newRow("boundaries") << "confini" << false;
     }
     void eligibleLayers()
     {
@@ -184,9 +185,9 @@ private slots:
         QTest::addColumn<QStringList>("layers");
         QTest::addColumn<bool>("hideTop");
         QTest::addColumn<QString>("caption");
-        QTest::newRow("not eligible") << QStringList{"bacini", "comuni"} << false << "";
+        QTest::newRow("not eligible") << QStringList{"confini", "strutture"} << false << "";
         QTest::newRow("top layer first") << QStringList{"comu_01", "regioni"} << false << "COMUNE:";
-        QTest::newRow("non-eligible top skipped") << QStringList{"mari", "province"} << false << "PROVINCIA:";
+        QTest::newRow("non-eligible top skipped") << QStringList{"confini", "province"} << false << "PROVINCIA:";
         QTest::newRow("hidden top skipped") << QStringList{"comu_01", "regioni"} << true << "REGIONE:";
     }
     void onlyEligibleVisibleLayersGiveTips()

@@ -162,9 +162,16 @@ void MainWindow::chooseRegion(int index)
     auto result = switchRegion(m_map->model(), m_home, region, m_state);
     if (!result) {
         showMessage(MsgStyle::Critical, result.errorMessage());
-    } else if (result->extent) {
-        saveView();
-        setMapExtent(*result->extent);
+    } else {
+        // The pristine region files keep their themes hidden; a region is
+        // chosen to be seen, so its themes are shown.
+        for (const QString &name : result->added)
+            if (map::MapLayer *layer = m_map->model().find(name))
+                layer->visible = true;
+        if (result->extent) {
+            saveView();
+            setMapExtent(*result->extent);
+        }
     }
     m_state.projectModified = true;
     refreshLegend();
