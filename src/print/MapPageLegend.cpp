@@ -248,6 +248,8 @@ QString numberText(double v)
         s.chop(1);
     if (s.endsWith(QLatin1Char('.')))
         s.chop(1);
+    // Italian decimal comma, as in the classification's own class texts.
+    s.replace(QLatin1Char('.'), QLatin1Char(','));
     return s;
 }
 

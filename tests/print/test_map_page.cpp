@@ -146,6 +146,19 @@ private slots:
         }
     }
 
+    void classLabelsUseTheDecimalComma()
+    {
+        MapPageSpec spec = stripePage(QPageLayout::Portrait);
+        auto &cb = std::get<map::ClassBreaksRenderer>(spec.model.layer(0).renderer);
+        cb.setBreak(0, 1.25);
+        cb.setBreak(1, 2.5);
+        const auto legend = legendFromModel(spec.model);
+        QCOMPARE(legend[0].classes[0].label, QStringLiteral("1 - 1,25"));
+        QCOMPARE(legend[0].classes[1].label, QStringLiteral("1,25 - 2,5"));
+        QCOMPARE(legend[0].classes[0].count, 1);
+        QCOMPARE(legend[0].classes[1].count, 1);
+    }
+
     void layoutKeepsTheExtentShape_data()
     {
         QTest::addColumn<bool>("landscape");
