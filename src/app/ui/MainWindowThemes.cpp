@@ -13,6 +13,8 @@
 #include "platform/ui/LegendView.h"
 #include "platform/ui/MapWidget.h"
 #include "print/MapPage.h"
+#include "project/Indicators.h"
+#include "project/ui/FrmInfoIndicatore.h"
 #include "print/ui/FrmStampaNew.h"
 #include "project/ProjectFile.h"
 
@@ -93,6 +95,10 @@ void MainWindow::showLegendMenu(const QString &layerName, const QPoint &globalPo
     QMenu menu(this);
     menu.addAction(QStringLiteral("&Classificazione..."), this, [this, layerName] { openClassification(layerName); });
     menu.addAction(QStringLiteral("&Editor della legenda..."), this, [this, layerName] { openLegendEditor(layerName); });
+    const ThemeSettings settings = readThemeSettingsFile(themeIniPath(layerName), settingsNameOfLayer(layerName));
+    const QString field = settings.campo.field;
+    if (!field.isEmpty() && field != QLatin1String("0") && field != QLatin1String("I000"))
+        menu.addAction(QStringLiteral("&Descrizione indicatore..."), this, [this, field] { showIndicator(field); });
     menu.addSeparator();
     menu.addAction(QStringLiteral("&Zoom al tema"), this, [this] { dispatch(QStringLiteral("zoomtema")); });
     menu.addAction(QStringLiteral("&Aggiungi etichette..."), this, [this] { dispatch(QStringLiteral("label")); });
@@ -182,6 +188,32 @@ void MainWindow::chooseRegion(int index)
     (void)Startup(m_home, m_state).setActiveTheme(m_state.activeTheme);
     updateCommandStates();
     startScaleTimer();
+}
+
+void MainWindow::showIndicator(const QString &field)
+{
+    const ReferenceDb db(m_home);
+    QString code = field.startsWith(QLatin1Char('_')) ? field.mid(1) : QString();
+    QString description, category, source, unit;
+    auto rows = db.query(QStringLiteral("SELECT cod_ind, ind, Cat, Fonte, Unita FROM INDICATORI"));
+    if (rows) {
+        for (const auto &r : rows->rows) {
+            const QString c = r[0].toString();
+            const bool match = code.isEmpty() ? (field.size() == 4 && c.endsWith(field.right(3))) : c == code;
+            if (match) {
+                code = c;
+                description = r[1].toString();
+                category = r[2].toString();
+                source = r[3].toString();
+                unit = r[4].toString();
+                break;
+            }
+        }
+    }
+    if (description.isEmpty())
+        description = Indicators(m_state.structure, db).fieldToDescription(field, QStringLiteral("00"));
+    FrmInfoIndicatore window(indicatorDescriptionText(field, description, code, category, source, unit), this);
+    window.exec();
 }
 
 }  // namespace mervola
