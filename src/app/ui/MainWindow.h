@@ -89,6 +89,7 @@ private:
     void showLegendMenu(const QString &layerName, const QPoint &globalPos);
     void exportMap();
     void printMap();
+    void searchElement();
     void showIndicator(const QString &field);
     void addLabels();
     void removeLabels();

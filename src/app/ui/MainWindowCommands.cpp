@@ -44,12 +44,14 @@ void MainWindow::dispatch(const QString &key)
             exportMap();
         } else if (key == QLatin1String("stampa")) {
             printMap();
+        } else if (key == QLatin1String("cerca")) {
+            searchElement();
+        } else if (key == QLatin1String("query") || key == QLatin1String("dbf") || key == QLatin1String("mnuElimJoin")) {
+            showMessage(MsgStyle::Information, QStringLiteral("Funzione non ancora disponibile in questa versione."));
         } else if (key == QLatin1String("label")) {
             addLabels();
         } else if (key == QLatin1String("nolabel")) {
             removeLabels();
-        } else if (key == QLatin1String("mnuElimJoin")) {
-            updateCommandStates();
         } else if (key == QLatin1String("legenda")) {
             openLegendEditor(m_legend->activeLayerName());
         } else if (key == QLatin1String("zoomtema")) {

@@ -1,6 +1,7 @@
 // Theme commands of the main window: classification, legend editor, export
 // and printing of the map.
 #include "app/ExportFlow.h"
+#include "app/Scale.h"
 #include "app/RegionSwitch.h"
 #include "app/Startup.h"
 #include "app/TemaLabel.h"
@@ -12,6 +13,8 @@
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
 #include "platform/ui/MapWidget.h"
+#include "data/Search.h"
+#include "data/ui/FrmSearch.h"
 #include "print/MapPage.h"
 #include "project/Indicators.h"
 #include "project/ui/FrmInfoIndicatore.h"
@@ -214,6 +217,39 @@ void MainWindow::showIndicator(const QString &field)
         description = Indicators(m_state.structure, db).fieldToDescription(field, QStringLiteral("00"));
     FrmInfoIndicatore window(indicatorDescriptionText(field, description, code, category, source, unit), this);
     window.exec();
+}
+
+void MainWindow::searchElement()
+{
+    const QString name = m_legend->activeLayerName();
+    map::MapLayer *layer = m_map->model().find(name);
+    if (!layer || !layer->data)
+        return;
+    const QFileInfo shp(layer->data->sourcePath);
+    auto labels = distinctLabels(shp.absolutePath(), shp.completeBaseName());
+    if (!labels) {
+        showMessage(MsgStyle::Critical, labels.errorMessage());
+        return;
+    }
+    if (labels->isEmpty()) {
+        showMessage(MsgStyle::Information, kNothingToSearch);
+        return;
+    }
+    FrmSearch search(aliasOf(name), *labels, this);
+    if (search.exec() != QDialog::Accepted)
+        return;
+    auto found = map::findFeatures(*layer->data, labelExpression(search.chosenName()));
+    if (!found || found->empty())
+        return;
+    for (int i = 0; i < m_map->model().layerCount(); ++i)
+        m_map->model().layer(i).selection.clear();
+    layer->selection = {found->front()};
+    // The element fills most of the view, never closer than the zoom limit.
+    map::MapRect r = layer->data->featureExtent(found->front()).scaled(1.4);
+    if (r.width() < kMinExtentWidth * 4)
+        r.scale(kMinExtentWidth * 4 / std::max(r.width(), 1.0));
+    saveView();
+    setMapExtent(r);
 }
 
 }  // namespace mervola
