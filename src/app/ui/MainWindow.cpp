@@ -134,6 +134,9 @@ void MainWindow::buildCoolBar()
     auto *pan = new QAction(commandIcon(QStringLiteral("pan")), QStringLiteral("Sposta"), this);
     pan->setObjectName(QStringLiteral("pan"));
     pan->setCheckable(true);
+    pan->setShortcut(QKeySequence(Qt::Key_P));
+    pan->setShortcutContext(Qt::WindowShortcut);
+    addAction(pan);
     m_actions.insert(QStringLiteral("pan"), pan);
     connect(pan, &QAction::toggled, this, [this](bool on) { selectTool(QStringLiteral("pan"), on); });
 
