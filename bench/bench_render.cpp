@@ -102,12 +102,11 @@ void renderBench(benchmark::State &state, RenderOptions options)
     state.counters["vertici"] = double(vertexCount(m));
 }
 
-void BM_RenderItaly(benchmark::State &state) { renderBench(state, {}); }
-
-void BM_RenderItalyOneBand(benchmark::State &state)
+// Argument: number of bands (0 = the renderer's default).
+void BM_RenderItaly(benchmark::State &state)
 {
     RenderOptions o;
-    o.bands = 1;
+    o.bands = int(state.range(0));
     renderBench(state, o);
 }
 
@@ -121,8 +120,7 @@ void BM_RenderItalyNoAntialias(benchmark::State &state)
 }  // namespace
 
 BENCHMARK(BM_LoadComuni)->Unit(benchmark::kMillisecond)->Repetitions(5)->ReportAggregatesOnly(true);
-BENCHMARK(BM_RenderItaly)->Unit(benchmark::kMillisecond)->Repetitions(15)->ReportAggregatesOnly(true);
-BENCHMARK(BM_RenderItalyOneBand)->Unit(benchmark::kMillisecond)->Repetitions(9)->ReportAggregatesOnly(true);
+BENCHMARK(BM_RenderItaly)->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->Repetitions(11)->ReportAggregatesOnly(true);
 BENCHMARK(BM_RenderItalyNoAntialias)->Unit(benchmark::kMillisecond)->Repetitions(9)->ReportAggregatesOnly(true);
 
 int main(int argc, char **argv)

@@ -24,7 +24,7 @@ struct RenderOptions {
     QColor selectionColor = QColor(255, 255, 0);
     bool antialias = true;
     bool labels = true;
-    int bands = 0;  // 0: one band per available core
+    int bands = 0;  // 0: two bands per available core
 };
 
 class MapRenderer {
