@@ -1,5 +1,6 @@
 #include "cli/RenderCommand.h"
 
+#include "app/ProjectView.h"
 #include "cli/Commands.h"
 #include "platform/map/MapExport.h"
 #include "platform/map/MapRenderer.h"
@@ -15,12 +16,6 @@ namespace {
 constexpr std::int32_t kComuniFill = 16776960;
 constexpr std::int32_t kCommontFill = 56320;
 constexpr std::int32_t kBlack = 0x02000000;
-
-ProjectLoader &projectLoader()
-{
-    static ProjectLoader loader;
-    return loader;
-}
 
 map::Symbol fillSymbol(std::int32_t fill, bool transparent = false)
 {
@@ -43,8 +38,6 @@ QSize parseSize(const QString &text)
 }
 
 }  // namespace
-
-void setProjectLoader(ProjectLoader loader) { projectLoader() = std::move(loader); }
 
 Status loadDefaultAtlas(const AtlasHome &home, map::MapModel &model)
 {
@@ -91,12 +84,12 @@ int cmdRender(const QStringList &args)
     map::MapModel model;
     const QString project = option(args, QStringLiteral("--project"));
     Status loaded;
-    if (project.isEmpty())
-        loaded = loadDefaultAtlas(home, model);
-    else if (projectLoader())
-        loaded = projectLoader()(project, home, model);
+    if (!project.isEmpty())
+        loaded = loadProjectView(project, home, model);
+    else if (QFileInfo::exists(home.defaultProject()))
+        loaded = loadProjectView(home.defaultProject(), home, model);
     else
-        loaded = Status::fail(QStringLiteral("lettura del progetto non disponibile"));
+        loaded = loadDefaultAtlas(home, model);
     if (!loaded)
         return fail(loaded.errorMessage());
 

@@ -6,14 +6,8 @@
 #include "platform/map/MapModel.h"
 
 #include <QImage>
-#include <functional>
 
 namespace mervola::cli {
-
-// Fills `model` (layers, symbols, extent) from a project file. The project
-// reader plugs itself in here; without one, --project is refused.
-using ProjectLoader = std::function<Status(const QString &projectFile, const AtlasHome &home, map::MapModel &model)>;
-void setProjectLoader(ProjectLoader loader);
 
 // The atlas home's italia/comuni, commont and regioni shapefiles (bottom to
 // top) with the default symbols, at the full extent.
