@@ -1,4 +1,5 @@
 #include "app/ui/FrmLabelProperties.h"
+#include "platform/ui/DialogButtons.h"
 
 #include "platform/Messages.h"
 #include "platform/map/MapTypes.h"
@@ -70,15 +71,9 @@ FrmLabelProperties::FrmLabelProperties(const LabelDialogInput &input, QWidget *p
     form->addRow(LabelWindowText::kHeight, m_height);
     form->addRow(QString(), m_colorButton);
 
-    auto *ok = new QPushButton(QStringLiteral("OK"), this);
-    ok->setObjectName(QStringLiteral("cmdOk"));
-    ok->setDefault(true);
-    auto *cancel = new QPushButton(LabelWindowText::kAnnulla, this);
-    cancel->setObjectName(QStringLiteral("cmdAnnulla"));
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
+    const OkCancelRow row = okCancelRow(this, QStringLiteral("cmdOk"), QStringLiteral("cmdAnnulla"));
+    QPushButton *ok = row.ok, *cancel = row.cancel;
+    QHBoxLayout *buttons = row.layout;
 
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(form);

@@ -25,7 +25,6 @@ inline const QString kFontButton = QStringLiteral("Font...");
 inline const QString kRotation = QStringLiteral("Rotazione (gradi):");
 inline const QString kHeight = QStringLiteral("Altezza:");
 inline const QString kColor = QStringLiteral("Colore...");
-inline const QString kAnnulla = QStringLiteral("Annulla");
 }  // namespace LabelWindowText
 
 struct LabelDialogInput {

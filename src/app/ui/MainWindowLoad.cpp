@@ -88,6 +88,21 @@ QString MainWindow::aliasOf(const QString &layerName) const
     return m_aliases.value(layerName.toUpper(), layerName);
 }
 
+// One legend row per class of a class-breaks or value-map renderer.
+template <class Renderer, class LabelFn>
+static void addLegendClasses(LegendEntry &e, const Renderer &r, int count, const std::vector<int> &counts,
+                             const LabelFn &label)
+{
+    for (int c = 0; c < count; ++c) {
+        LegendClass lc;
+        lc.fill = map::colorFromValue(r.symbol(c).color);
+        lc.outline = map::colorFromValue(r.symbol(c).outlineColor);
+        lc.label = label(c);
+        lc.count = c < int(counts.size()) ? counts[size_t(c)] : -1;
+        e.classes.push_back(lc);
+    }
+}
+
 void MainWindow::refreshLegend()
 {
     std::vector<LegendEntry> entries;
@@ -114,25 +129,9 @@ void MainWindow::refreshLegend()
             if (simple->symbol.style == 1)
                 e.fill = Qt::transparent;
         } else if (const auto *cb = std::get_if<map::ClassBreaksRenderer>(&layer.renderer)) {
-            const auto counts = classCounts(layer);
-            for (int c = 0; c < cb->breakCount(); ++c) {
-                LegendClass lc;
-                lc.fill = map::colorFromValue(cb->symbol(c).color);
-                lc.outline = map::colorFromValue(cb->symbol(c).outlineColor);
-                lc.label = classLabel(c);
-                lc.count = c < int(counts.size()) ? counts[size_t(c)] : -1;
-                e.classes.push_back(lc);
-            }
+            addLegendClasses(e, *cb, cb->breakCount(), classCounts(layer), classLabel);
         } else if (const auto *vm = std::get_if<map::ValueMapRenderer>(&layer.renderer)) {
-            const auto counts = classCounts(layer);
-            for (int c = 0; c < vm->valueCount(); ++c) {
-                LegendClass lc;
-                lc.fill = map::colorFromValue(vm->symbol(c).color);
-                lc.outline = map::colorFromValue(vm->symbol(c).outlineColor);
-                lc.label = classLabel(c);
-                lc.count = c < int(counts.size()) ? counts[size_t(c)] : -1;
-                e.classes.push_back(lc);
-            }
+            addLegendClasses(e, *vm, vm->valueCount(), classCounts(layer), classLabel);
         }
         entries.push_back(e);
     }

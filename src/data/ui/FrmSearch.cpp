@@ -1,4 +1,5 @@
 #include "data/ui/FrmSearch.h"
+#include "platform/ui/DialogButtons.h"
 
 #include "data/Search.h"
 
@@ -27,18 +28,10 @@ FrmSearch::FrmSearch(const QString &themeName, const QStringList &names, QWidget
     caption->setBuddy(m_features);
     layout->addWidget(caption);
     layout->addWidget(m_features);
-    auto *ok = new QPushButton(QStringLiteral("OK"), this);
-    ok->setObjectName(QStringLiteral("cmdOK"));
-    ok->setDefault(true);
-    auto *cancel = new QPushButton(QStringLiteral("Annulla"), this);
-    cancel->setObjectName(QStringLiteral("cmdAnnulla"));
-    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-    auto *row = new QHBoxLayout;
-    row->addStretch(1);
-    row->addWidget(ok);
-    row->addWidget(cancel);
-    layout->addLayout(row);
+    const OkCancelRow row = okCancelRow(this, QStringLiteral("cmdOK"), QStringLiteral("cmdAnnulla"));
+    connect(row.ok, &QPushButton::clicked, this, &QDialog::accept);
+    connect(row.cancel, &QPushButton::clicked, this, &QDialog::reject);
+    layout->addLayout(row.layout);
 }
 
 QString FrmSearch::chosenName() const { return m_features->currentText(); }

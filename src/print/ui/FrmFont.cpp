@@ -1,4 +1,5 @@
 #include "print/ui/FrmFont.h"
+#include "platform/ui/DialogButtons.h"
 
 #include <QFontDatabase>
 #include <QHBoxLayout>
@@ -40,16 +41,9 @@ FrmFont::FrmFont(QString &chosenFont, const QStringList &families, QWidget *pare
     m_list->setObjectName(QStringLiteral("LstFonts"));
     label->setBuddy(m_list);
 
-    auto *ok = new QPushButton(QStringLiteral("OK"), this);
-    ok->setObjectName(QStringLiteral("cmdOK"));
-    ok->setDefault(true);
-    auto *cancel = new QPushButton(FontText::kAnnulla, this);
-    cancel->setObjectName(QStringLiteral("cmdAnnulla"));
-
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
+    const OkCancelRow row = okCancelRow(this, QStringLiteral("cmdOK"), QStringLiteral("cmdAnnulla"));
+    QPushButton *ok = row.ok, *cancel = row.cancel;
+    QHBoxLayout *buttons = row.layout;
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(label);
     layout->addWidget(m_list, 1);

@@ -13,7 +13,6 @@ namespace mervola {
 namespace FontText {
 inline const QString kCaption = QStringLiteral("Font");
 inline const QString kPrompt = QStringLiteral("Selezionare il tipo di carattere:");
-inline const QString kAnnulla = QStringLiteral("Annulla");
 }  // namespace FontText
 
 // The installed families, each once, in the order the system gives them.
