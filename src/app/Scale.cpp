@@ -12,20 +12,6 @@ double currentScale(double extentWidth, double mapWidthTwips)
     return std::floor(extentWidth / paper);
 }
 
-QString groupDigits(qint64 value)
-{
-    const bool negative = value < 0;
-    const QString digits = QString::number(negative ? -value : value);
-    QString out;
-    for (int i = 0; i < digits.size(); ++i) {
-        const int fromRight = int(digits.size()) - i;
-        if (i > 0 && fromRight % 3 == 0)
-            out += QLatin1Char('.');
-        out += digits[i];
-    }
-    return negative ? QLatin1Char('-') + out : out;
-}
-
 double parseScale(const QString &text)
 {
     QString t = text.trimmed();

@@ -1,6 +1,8 @@
 #pragma once
 // Scale arithmetic of the scale box.
 
+#include "platform/NumberText.h"
+
 #include <QString>
 
 namespace mervola {
@@ -10,8 +12,6 @@ constexpr double kMinExtentWidth = 258.34;  // narrowest extent, in map units
 
 // Denominator: integer part of extent width / (map width in twips / 1440 * 0.025).
 double currentScale(double extentWidth, double mapWidthTwips);
-// "." after every third digit from the right: 1234567 -> "1.234.567".
-QString groupDigits(qint64 value);
 // Reads a typed scale: "." separators removed, "," as decimal comma; 0 when not a number.
 double parseScale(const QString &text);
 // Only digits, "," and "." may be typed into the scale box.

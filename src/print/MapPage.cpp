@@ -1,5 +1,7 @@
 #include "print/MapPage.h"
 
+#include "platform/NumberText.h"
+
 #include "platform/map/MapRenderer.h"
 #include "print/MapPageParts.h"
 
@@ -135,22 +137,9 @@ double pageScale(double extentWidth, double printedWidthPx, double dpi)
     return std::floor(extentWidth / (printedWidthPx / dpi * 0.0254));
 }
 
-QString groupThousands(qint64 value)
-{
-    const bool negative = value < 0;
-    const QString digits = QString::number(negative ? -value : value);
-    QString out;
-    for (int i = 0; i < digits.size(); ++i) {
-        if (i > 0 && (digits.size() - i) % 3 == 0)
-            out += QLatin1Char('.');
-        out += digits[i];
-    }
-    return negative ? QLatin1Char('-') + out : out;
-}
-
 QString scaleText(double denominator)
 {
-    return QStringLiteral("Scala 1:") + groupThousands(qint64(std::max(0.0, denominator)));
+    return QStringLiteral("Scala 1:") + groupDigits(qint64(std::max(0.0, denominator)));
 }
 
 double roundBarLength(double maxMetres)

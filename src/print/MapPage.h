@@ -91,8 +91,6 @@ std::vector<MapPageTheme> legendFromModel(const map::MapModel &model,
 double pageScale(double extentWidth, double printedWidthPx, double dpi);
 // "Scala 1:" + the denominator with "." every three digits.
 QString scaleText(double denominator);
-// "." after every third digit from the right: 1234567 -> "1.234.567".
-QString groupThousands(qint64 value);
 // A round scale bar length in metres (1, 2 or 5 times a power of ten), the
 // largest not above `maxMetres`; 0 when maxMetres is not positive.
 double roundBarLength(double maxMetres);

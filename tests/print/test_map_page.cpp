@@ -1,4 +1,5 @@
 // The printed map page: scale arithmetic, layout and the painted page.
+#include "platform/NumberText.h"
 #include "print/MapPage.h"
 #include "test_map_page_fixture.h"
 
@@ -119,7 +120,7 @@ private slots:
     {
         QFETCH(qint64, value);
         QFETCH(QString, text);
-        QCOMPARE(groupThousands(value), text);
+        QCOMPARE(groupDigits(value), text);
     }
 
     void visibleThemes()
