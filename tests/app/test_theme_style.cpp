@@ -37,7 +37,8 @@ private slots:
             ProfileFile::fromText(QStringLiteral("[comuni]\nSIMBOLO=2^0^1^16776960^33554432^\nOUTLINE=0\n"
                                                  "TIPOCLASSIFICAZIONE=0\nCLASSIFICAZIONE=0\n")),
             QStringLiteral("comuni"));
-        const auto *simple = std::get_if<map::SimpleRenderer>(&(const map::Renderer &)rendererFromSettings(s));
+        const map::Renderer r = rendererFromSettings(s);
+        const auto *simple = std::get_if<map::SimpleRenderer>(&r);
         QVERIFY(simple);
         QCOMPARE(simple->symbol.color, 16776960);
         QCOMPARE(simple->symbol.style, 1);
