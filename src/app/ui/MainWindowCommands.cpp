@@ -4,6 +4,7 @@
 #include "app/Startup.h"
 #include "app/ui/MainWindow.h"
 #include "app/MapTip.h"
+#include "app/ui/HelpWindow.h"
 #include "app/ui/SplashWindow.h"
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
@@ -11,12 +12,10 @@
 #include "project/ProjectFile.h"
 
 #include <QAction>
-#include <QDesktopServices>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QTimer>
-#include <QUrl>
 
 namespace mervola {
 
@@ -75,7 +74,11 @@ void MainWindow::dispatch(const QString &key)
                 startScaleTimer();
             }
         } else if (key == QLatin1String("mnuGuida")) {
-            QDesktopServices::openUrl(QUrl::fromLocalFile(m_home.helpFile()));
+            HelpWindow help(m_home.helpFile(), this);
+            if (!help.loaded())
+                showMessage(MsgStyle::Exclamation, QStringLiteral("La guida in linea non è stata trovata: ") + m_home.helpFile());
+            else
+                help.exec();
         } else if (key == QLatin1String("mnuInfo")) {
             SplashWindow about(SplashWindow::Mode::About, this);
             about.exec();

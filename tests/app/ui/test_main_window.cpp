@@ -12,6 +12,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QStatusBar>
+#include <QApplication>
+#include <QDialog>
+#include <QTimer>
 #include <QtTest>
 
 using namespace mervola;
@@ -110,6 +113,57 @@ private slots:
         w.dispatch(QStringLiteral("zoomprec"));
         QVERIFY(!w.action(QStringLiteral("zoomprec"))->isEnabled());
         QVERIFY(qAbs(w.mapWidget()->extent().width() - before.width()) < 1e-6 * before.width());
+    }
+
+    void zoomInStopsAtTheLimits()
+    {
+        MessageRecorder rec;
+        MainWindow w(m_home, appState());
+        QVERIFY(w.load());
+        w.resize(1000, 700);
+        w.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        auto *scale = w.findChild<QLineEdit *>(QStringLiteral("txtScala"));
+        double last = w.mapWidget()->extent().width();
+        for (int i = 0; i < 30; ++i) {
+            w.dispatch(QStringLiteral("zoominfix"));
+            QTest::qWait(600);  // the scale timer refreshes the box
+            const double width = w.mapWidget()->extent().width();
+            QVERIFY2(width >= 258.34, qPrintable(QString::number(width)));
+            QVERIFY(width <= last + 1e-6);
+            last = width;
+            if (QStringLiteral("%1").arg(scale->text()).remove(QLatin1Char('.')).toDouble() < 1600)
+                break;
+        }
+        // Once at the limit, another press changes nothing and records nothing.
+        const int history = w.history().count();
+        w.dispatch(QStringLiteral("zoominfix"));
+        QTest::qWait(600);
+        QCOMPARE(w.mapWidget()->extent().width(), last);
+        QCOMPARE(w.history().count(), history);
+        // The history walks back to the start.
+        while (w.action(QStringLiteral("zoomprec"))->isEnabled())
+            w.dispatch(QStringLiteral("zoomprec"));
+        QCOMPARE(w.history().count(), 0);
+    }
+
+    void helpAndAboutOpen()
+    {
+        MessageRecorder rec;
+        MainWindow w(m_home, appState());
+        QVERIFY(w.load());
+        int seen = 0;
+        for (const QString &key : {QStringLiteral("mnuGuida"), QStringLiteral("mnuInfo")}) {
+            QTimer::singleShot(200, [&seen] {
+                if (auto *d = qobject_cast<QDialog *>(QApplication::activeModalWidget())) {
+                    ++seen;
+                    d->accept();
+                }
+            });
+            w.dispatch(key);
+        }
+        QCOMPARE(seen, 2);
+        QVERIFY(rec.entries().isEmpty());
     }
 
     void exitAsksAndCanBeRefused()
