@@ -65,7 +65,9 @@ private:
 QPen outlinePen(const Symbol &s)
 {
     QPen pen(colorFromValue(s.outlineColor));
-    pen.setWidthF(s.symbolType == SymbolType::Fill ? 0 : std::max(1, s.size));
+    // Polygon outlines are a thin anti-aliased line, light enough that a
+    // dense area of small municipalities still shows its colours.
+    pen.setWidthF(s.symbolType == SymbolType::Fill ? 0.6 : std::max(1, s.size));
     pen.setCosmetic(true);
     return pen;
 }
