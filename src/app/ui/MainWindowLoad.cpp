@@ -62,7 +62,10 @@ bool MainWindow::load()
     refreshLegend();
 
     T("legend");
-    (void)startup.loadStructureTable();
+    // An empty STRUTTURE shows its own message inside; a database that
+    // cannot be read at all is said here, and start-up goes on.
+    if (auto st = startup.loadStructureTable(); !st)
+        showMessage(MsgStyle::Critical, st.errorMessage());
     T("structure");
 
     if (m_legend->entryCount() > 0) {
