@@ -65,7 +65,8 @@ bool MainWindow::load()
     // An empty STRUTTURE shows its own message inside; a database that
     // cannot be read at all is said here, and start-up goes on.
     if (auto st = startup.loadStructureTable(); !st)
-        showMessage(MsgStyle::Critical, st.errorMessage());
+        showMessage(MsgStyle::Critical, QStringLiteral("Impossibile leggere il database di riferimento %1.\n%2")
+                                            .arg(m_home.referenceDb(), st.errorMessage()));
     T("structure");
 
     if (m_legend->entryCount() > 0) {
