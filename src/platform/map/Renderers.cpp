@@ -102,15 +102,24 @@ ResolvedStyle resolve(const SimpleRenderer &r, const LayerData &d)
     return {{r.symbol}, std::vector<int>(std::size_t(d.featureCount()), 0)};
 }
 
-ResolvedStyle resolve(const ClassBreaksRenderer &r, const LayerData &d)
+// The class symbols followed by the default one, every feature on the
+// default until its value says otherwise.
+template <class R>
+ResolvedStyle withDefault(const R &r, int classes, const LayerData &d)
 {
     ResolvedStyle out;
-    const int n = d.featureCount();
-    for (int i = 0; i < r.breakCount(); ++i)
+    for (int i = 0; i < classes; ++i)
         out.symbols.push_back(r.symbol(i));
-    const int dflt = int(out.symbols.size());
     out.symbols.push_back(r.defaultSymbol);
-    out.featureSymbol.assign(std::size_t(n), dflt);
+    out.featureSymbol.assign(std::size_t(d.featureCount()), classes);
+    return out;
+}
+
+ResolvedStyle resolve(const ClassBreaksRenderer &r, const LayerData &d)
+{
+    ResolvedStyle out = withDefault(r, r.breakCount(), d);
+    const int n = d.featureCount();
+    const int dflt = r.breakCount();
     const Column *c = d.column(r.field);
     if (!c)
         return out;
@@ -123,13 +132,8 @@ ResolvedStyle resolve(const ClassBreaksRenderer &r, const LayerData &d)
 
 ResolvedStyle resolve(const ValueMapRenderer &r, const LayerData &d)
 {
-    ResolvedStyle out;
+    ResolvedStyle out = withDefault(r, r.valueCount(), d);
     const int n = d.featureCount();
-    for (int i = 0; i < r.valueCount(); ++i)
-        out.symbols.push_back(r.symbol(i));
-    const int dflt = int(out.symbols.size());
-    out.symbols.push_back(r.defaultSymbol);
-    out.featureSymbol.assign(std::size_t(n), dflt);
     const Column *c = d.column(r.field);
     if (!c)
         return out;

@@ -24,6 +24,16 @@ class TestMainWindow : public QObject {
     QTemporaryDir m_dir;
     AtlasHome m_home;
 
+    // Loads the window and shows it at a fixed size.
+    static bool showLoaded(MainWindow &w)
+    {
+        if (!w.load())
+            return false;
+        w.resize(1000, 700);
+        w.show();
+        return QTest::qWaitForWindowExposed(&w);
+    }
+
 private slots:
     void initTestCase()
     {
@@ -74,10 +84,7 @@ private slots:
     {
         MessageRecorder rec;
         MainWindow w(m_home, appState());
-        QVERIFY(w.load());
-        w.resize(1000, 700);
-        w.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        QVERIFY(showLoaded(w));
         QTest::mouseMove(w.mapWidget(), QPoint(200, 150));
         auto *coord = w.findChild<QLabel *>(QStringLiteral("coord"));
         QTRY_VERIFY(coord->text().startsWith(QStringLiteral("X:")));
@@ -102,10 +109,7 @@ private slots:
     {
         MessageRecorder rec;
         MainWindow w(m_home, appState());
-        QVERIFY(w.load());
-        w.resize(1000, 700);
-        w.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        QVERIFY(showLoaded(w));
         const map::MapRect before = w.mapWidget()->extent();
         w.dispatch(QStringLiteral("zoomoutfix"));
         QVERIFY(w.action(QStringLiteral("zoomprec"))->isEnabled());
@@ -119,10 +123,7 @@ private slots:
     {
         MessageRecorder rec;
         MainWindow w(m_home, appState());
-        QVERIFY(w.load());
-        w.resize(1000, 700);
-        w.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        QVERIFY(showLoaded(w));
         auto *scale = w.findChild<QLineEdit *>(QStringLiteral("txtScala"));
         double last = w.mapWidget()->extent().width();
         for (int i = 0; i < 30; ++i) {
