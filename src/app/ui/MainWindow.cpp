@@ -209,6 +209,7 @@ void MainWindow::buildCentre()
     connect(m_legend, &LegendView::visibilityToggled, this, [this](const QString &name, bool on) {
         if (map::MapLayer *l = m_map->model().find(name)) {
             l->visible = on;
+            storeVisibility(name, on);
             m_state.projectModified = true;
             m_map->refresh();
         }

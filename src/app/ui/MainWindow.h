@@ -84,6 +84,7 @@ private:
     QString aliasOf(const QString &layerName) const;
     QString themeIniPath(const QString &layerName) const;
     void reapplyTheme(const QString &layerName);
+    void storeVisibility(const QString &layerName, bool visible);
     void openClassification(const QString &layerName);
     void openLegendEditor(const QString &layerName);
     void showLegendMenu(const QString &layerName, const QPoint &globalPos);

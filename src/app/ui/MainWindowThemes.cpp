@@ -20,6 +20,7 @@
 #include "project/ui/FrmInfoIndicatore.h"
 #include "print/ui/FrmStampaNew.h"
 #include "project/ProjectFile.h"
+#include "project/SettingsWriters.h"
 
 #include <QDate>
 #include <QFileDialog>
@@ -33,6 +34,19 @@ namespace mervola {
 QString MainWindow::themeIniPath(const QString &layerName) const
 {
     return m_home.supporto() + QLatin1Char('/') + settingsNameOfLayer(layerName) + QStringLiteral(".ini");
+}
+
+// Keeps a theme's visibility in its settings file, which is what a saved
+// project records.
+void MainWindow::storeVisibility(const QString &layerName, bool visible)
+{
+    const QString ini = themeIniPath(layerName);
+    if (!QFileInfo::exists(ini))
+        return;
+    if (auto st = updateThemeKeys(ini, settingsNameOfLayer(layerName),
+                                  {{ThemeKey::Visibile, visible ? QStringLiteral("1") : QStringLiteral("0")}});
+        !st)
+        showMessage(MsgStyle::Critical, st.errorMessage());
 }
 
 // Re-reads a theme's settings file and draws the layer by it.
@@ -172,11 +186,15 @@ void MainWindow::chooseRegion(int index)
     if (!result) {
         showMessage(MsgStyle::Critical, result.errorMessage());
     } else {
+        // The project records which mountain-community table is on the map.
+        m_state.communityTable = mountainTheme(region.code);
         // The pristine region files keep their themes hidden; a region is
         // chosen to be seen, so its themes are shown.
         for (const QString &name : result->added)
-            if (map::MapLayer *layer = m_map->model().find(name))
+            if (map::MapLayer *layer = m_map->model().find(name)) {
                 layer->visible = true;
+                storeVisibility(name, true);
+            }
         if (result->extent) {
             saveView();
             setMapExtent(*result->extent);

@@ -197,6 +197,9 @@ private slots:
         item->setCheckState(0, was ? Qt::Unchecked : Qt::Checked);
         QCOMPARE(w.mapWidget()->model().find(name)->visible, !was);
         QVERIFY(appState().projectModified);
+        // The settings file follows, so a saved project keeps the choice.
+        const QString ini = QString::fromUtf8(test::readFile(m_home.supporto() + QLatin1Char('/') + name + QStringLiteral(".ini")));
+        QVERIFY2(ini.contains(was ? QStringLiteral("VISIBILE=0") : QStringLiteral("VISIBILE=1")), qPrintable(ini));
     }
 };
 
