@@ -10,7 +10,9 @@
 #include "platform/ui/MapWidget.h"
 #include "project/ProjectFile.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QTimer>
 #include <QtTest>
 
@@ -114,6 +116,40 @@ private slots:
         QVERIFY(ini.contains(QStringLiteral("SIMBOLO=")));
     }
 
+    void regionIsShownAndKeptInTheProject()
+    {
+        MessageRecorder rec;
+        const QString project = m_dir.path() + QStringLiteral("/piemonte.rlx");
+        {
+            MainWindow w(m_home, appState());
+            QVERIFY(w.load());
+            auto *regions = w.findChild<QComboBox *>(QStringLiteral("cboRegioni"));
+            const int piemonte = regions->findText(QStringLiteral("PIEMONTE"));
+            regions->setCurrentIndex(piemonte);
+            emit regions->activated(piemonte);
+            map::MapModel &model = w.mapWidget()->model();
+            QVERIFY(!model.find(QStringLiteral("comuni")) && !model.find(QStringLiteral("commont")));
+            QVERIFY(model.find(QStringLiteral("comu_01")) && model.find(QStringLiteral("comu_01"))->visible);
+            QVERIFY(model.find(QStringLiteral("cmont_01")) && model.find(QStringLiteral("cmont_01"))->visible);
+            QCOMPARE(appState().regionCode, QStringLiteral("01"));
+            QVERIFY(w.action(QStringLiteral("zoomprec"))->isEnabled());
+            MapModelHost host(w.mapWidget()->model());
+            ProjectFiles files(m_home, host);
+            QVERIFY(files.save(project, appState().communityTable).ok());
+            QVERIFY(QString::fromUtf8(test_file(project)).contains(QStringLiteral("DBFCOMMONT=cmont_01^")));
+        }
+        appState().reset();
+        MainWindow w(m_home, appState());
+        QVERIFY(w.load());
+        MapModelHost host(w.mapWidget()->model());
+        ProjectFiles files(m_home, host);
+        QVERIFY(files.open(project).ok());
+        const map::MapLayer *comu = w.mapWidget()->model().find(QStringLiteral("comu_01"));
+        QVERIFY(comu && comu->visible);
+        QCOMPARE(files.session().regionCode, QStringLiteral("01"));
+        QVERIFY(rec.entries().isEmpty());
+    }
+
     void printingNeedsAVisibleTheme()
     {
         MessageRecorder rec;
@@ -129,6 +165,11 @@ private slots:
     }
 
 private:
+    static QByteArray test_file(const QString &path)
+    {
+        QFile f(path);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
     static QString test_iniText(const AtlasHome &home, const QString &theme)
     {
         QFile f(home.supporto() + QLatin1Char('/') + theme + QStringLiteral(".ini"));
