@@ -1,6 +1,7 @@
 #include "platform/ui/LegendView.h"
 
 #include <QContextMenuEvent>
+#include <QKeyEvent>
 #include <QHeaderView>
 #include <QPainter>
 #include <QPixmap>
@@ -109,6 +110,20 @@ void LegendView::contextMenuEvent(QContextMenuEvent *event)
         return;
     setCurrentItem(item);
     emit themeContextMenu(item->data(0, kNameRole).toString(), event->globalPos());
+}
+
+void LegendView::keyPressEvent(QKeyEvent *event)
+{
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && activeIndex() >= 0) {
+        emit themeDoubleClicked(activeLayerName());
+        return;
+    }
+    if (event->key() == Qt::Key_Menu && activeIndex() >= 0) {
+        const QRect r = visualItemRect(topLevelItem(activeIndex()));
+        emit themeContextMenu(activeLayerName(), viewport()->mapToGlobal(r.center()));
+        return;
+    }
+    QTreeWidget::keyPressEvent(event);
 }
 
 QString LegendView::layerNameAt(int index) const

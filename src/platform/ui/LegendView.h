@@ -51,6 +51,8 @@ signals:
 
 protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
+    // Enter on a theme does what a double click does (keyboard access).
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     QTreeWidgetItem *topItem(const QTreeWidgetItem *item) const;
