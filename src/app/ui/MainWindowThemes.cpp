@@ -77,9 +77,14 @@ void MainWindow::openClassification(const QString &layerName)
     }
     QString dbf = layer->data->sourcePath;
     dbf = dbf.left(dbf.size() - 4) + QStringLiteral(".dbf");
+    // Without saved classes the window starts on the theme's indicator
+    // field (CAMPO), e.g. I010 for the mountain communities.
+    classify::Classification current = savedClassification(settings).value_or(classify::Classification{});
+    if (current.classes.empty() && current.field.isEmpty())
+        current.field = settings.campo.field;
     classify::ClassificationDialog dialog(aliasOf(layerName), fields,
                                           [dbf](const QString &f) { return classify::readFieldColumn(dbf, f); },
-                                          savedClassification(settings).value_or(classify::Classification{}), this);
+                                          current, this);
     if (dialog.exec() != QDialog::Accepted)
         return;
     if (auto st = storeClassification(ini, section, dialog.classification()); !st) {
