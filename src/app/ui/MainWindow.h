@@ -91,6 +91,7 @@ private:
     void exportMap();
     void printMap();
     void searchElement();
+    void showElementInfo(QPointF mapPoint);
     void showIndicator(const QString &field);
     void addLabels();
     void removeLabels();

@@ -126,6 +126,10 @@ void MainWindow::connectMapTools()
             previousView();
     });
     connect(m_map, &MapWidget::clicked, this, [this](QPointF p, Qt::MouseButton) {
+        if (action(QStringLiteral("info"))->isChecked()) {
+            showElementInfo(p);
+            return;
+        }
         if (action(QStringLiteral("zoomout"))->isChecked()) {
             saveView();
             map::MapRect r = m_map->extent();

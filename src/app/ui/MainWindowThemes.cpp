@@ -14,6 +14,7 @@
 #include "platform/ui/LegendView.h"
 #include "platform/ui/MapWidget.h"
 #include "data/Search.h"
+#include "data/ui/FrmInfor.h"
 #include "data/ui/FrmSearch.h"
 #include "print/MapPage.h"
 #include "project/Indicators.h"
@@ -28,6 +29,7 @@
 #include <QAction>
 #include <QComboBox>
 #include <QMenu>
+#include <QStatusBar>
 
 namespace mervola {
 
@@ -273,6 +275,31 @@ void MainWindow::searchElement()
         r.scale(kMinExtentWidth * 4 / std::max(r.width(), 1.0));
     saveView();
     setMapExtent(r);
+}
+
+void MainWindow::showElementInfo(QPointF mapPoint)
+{
+    const double tolerance = 3 * m_map->extent().width() / std::max(1, m_map->width());
+    const StructureTable &structure = m_state.structure;
+    QList<FoundElement> found =
+        collectElements(m_map->model(), mapPoint, tolerance, [&structure](const QString &, const QString &field) {
+            const StructureRow *row = structure.findByLabel(field);
+            return row ? row->alias : QString();
+        });
+    if (found.isEmpty()) {
+        statusBar()->showMessage(QStringLiteral("Nessun elemento nel punto indicato."), 3000);
+        return;
+    }
+    for (FoundElement &e : found)
+        e.title = aliasOf(e.theme);
+    const ReferenceDb db(m_home);
+    QStringList categories;
+    if (auto rows = db.query(QStringLiteral("SELECT * FROM CATEGORIE ORDER BY [Codice Categoria]")))
+        for (const auto &r : rows->rows)
+            categories << r.back().toString();
+    FrmInfor info(m_legend->activeLayerName(), std::move(found), categories, db, this);
+    info.exec();
+    m_map->refresh();
 }
 
 }  // namespace mervola
