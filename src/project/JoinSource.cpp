@@ -1,0 +1,312 @@
+#include "project/JoinSource.h"
+
+#include <QDate>
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QStringDecoder>
+
+#include <mdbtools.h>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace mervola {
+
+namespace {
+
+const QString kSourceUnreadable = QStringLiteral("Impossibile leggere il file di origine.");
+
+int engineTypeOf(const DbfField &f)
+{
+    switch (f.type) {
+    case DbfType::Text: return JoinFieldType::Text;
+    case DbfType::Logical: return JoinFieldType::Boolean;
+    case DbfType::Date: return JoinFieldType::Date;
+    case DbfType::Float: return JoinFieldType::Double;
+    case DbfType::Numeric: return f.decimals == 0 && f.width <= 9 ? JoinFieldType::Long : JoinFieldType::Double;
+    }
+    return JoinFieldType::Text;
+}
+
+struct MdbCloser {
+    void operator()(MdbHandle *h) const { mdb_close(h); }
+};
+struct TableCloser {
+    void operator()(MdbTableDef *t) const { mdb_free_tabledef(t); }
+};
+using MdbPtr = std::unique_ptr<MdbHandle, MdbCloser>;
+using TablePtr = std::unique_ptr<MdbTableDef, TableCloser>;
+
+Result<MdbPtr> openMdb(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    MdbPtr mdb(mdb_open(name.constData(), MDB_NOFLAGS));
+    if (!mdb || !mdb_read_catalog(mdb.get(), MDB_TABLE))
+        return Result<MdbPtr>::fail(kSourceUnreadable);
+    mdb_set_date_fmt(mdb.get(), "%Y-%m-%d");
+    mdb_set_boolean_fmt_numbers(mdb.get());
+    return mdb;
+}
+
+DbfField dbfFieldFor(const QString &name, int type, int size)
+{
+    DbfField f;
+    f.name = name.left(kDbfMaxFieldNameLength);
+    switch (type) {
+    case JoinFieldType::Boolean: f.type = DbfType::Logical; f.width = 1; break;
+    case JoinFieldType::Byte:
+    case JoinFieldType::Integer:
+    case JoinFieldType::Long: f.type = DbfType::Numeric; f.width = 11; break;
+    case JoinFieldType::Currency:
+    case JoinFieldType::Single:
+    case JoinFieldType::Double:
+    case JoinFieldType::Decimal: f.type = DbfType::Numeric; f.width = 20; f.decimals = 6; break;
+    case JoinFieldType::Date: f.type = DbfType::Date; f.width = 8; break;
+    case JoinFieldType::Text: f.type = DbfType::Text; f.width = std::clamp(size, 1, kDbfMaxTextWidth); break;
+    default: f.type = DbfType::Text; f.width = kDbfMaxTextWidth; break;
+    }
+    return f;
+}
+
+QVariant valueFor(const DbfField &f, const QString &text)
+{
+    if (text.isNull())
+        return {};
+    switch (f.type) {
+    case DbfType::Logical: return QVariant(text == QLatin1String("1") || text.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0);
+    case DbfType::Date: return QVariant(QDate::fromString(text.left(10), Qt::ISODate));
+    case DbfType::Numeric:
+    case DbfType::Float: {
+        bool ok = false;
+        if (f.decimals == 0) {
+            const qlonglong v = text.toLongLong(&ok);
+            return ok ? QVariant(v) : QVariant();
+        }
+        const double d = text.toDouble(&ok);
+        return ok ? QVariant(d) : QVariant();
+    }
+    case DbfType::Text: return QVariant(text.left(f.width));
+    }
+    return {};
+}
+
+}  // namespace
+
+FieldFamily familyOfType(int t)
+{
+    switch (t) {
+    case JoinFieldType::Text:
+    case JoinFieldType::Memo: return FieldFamily::Alphanumeric;
+    case JoinFieldType::Byte:
+    case JoinFieldType::Integer:
+    case JoinFieldType::Long:
+    case JoinFieldType::Currency:
+    case JoinFieldType::Single:
+    case JoinFieldType::Double:
+    case JoinFieldType::Decimal: return FieldFamily::Numeric;
+    case JoinFieldType::Boolean: return FieldFamily::Boolean;
+    default: return FieldFamily::Unknown;
+    }
+}
+
+QString familyText(FieldFamily family)
+{
+    switch (family) {
+    case FieldFamily::Alphanumeric: return QStringLiteral("Alfanumerico");
+    case FieldFamily::Numeric: return QStringLiteral("Numerico");
+    case FieldFamily::Boolean: return QStringLiteral("Booleano");
+    case FieldFamily::Unknown: break;
+    }
+    return QStringLiteral("Non riconosciuto");
+}
+
+Result<QStringList> accessTableNames(const QString &mdbPath)
+{
+    auto mdb = openMdb(mdbPath);
+    if (!mdb)
+        return mdb.error();
+    QStringList names;
+    for (guint i = 0; i < mdb.value()->num_catalog; ++i) {
+        auto *entry = static_cast<MdbCatalogEntry *>(g_ptr_array_index(mdb.value()->catalog, i));
+        if (entry->object_type == MDB_TABLE && !mdb_is_system_table(entry))
+            names << QString::fromUtf8(entry->object_name);
+    }
+    return names;
+}
+
+Result<SourceTable> readAccessTable(const QString &mdbPath, const QString &tableName)
+{
+    auto mdb = openMdb(mdbPath);
+    if (!mdb)
+        return mdb.error();
+    QByteArray name = tableName.toUtf8();
+    TablePtr table(mdb_read_table_by_name(mdb.value().get(), name.data(), MDB_TABLE));
+    if (!table || !mdb_read_columns(table.get()))
+        return Result<SourceTable>::fail(kSourceUnreadable);
+
+    SourceTable out;
+    const int n = int(table->num_cols);
+    std::vector<std::vector<char>> buffers(std::size_t(n), std::vector<char>(MDB_BIND_SIZE));
+    std::vector<int> lengths(std::size_t(n), 0);
+    for (int i = 0; i < n; ++i) {
+        auto *col = static_cast<MdbColumn *>(g_ptr_array_index(table->columns, guint(i)));
+        SourceField field{QString::fromUtf8(col->name), int(col->col_type)};
+        out.fields << field;
+        out.table.fields << dbfFieldFor(field.name, field.engineType, int(col->col_size));
+        mdb_bind_column(table.get(), i + 1, buffers[std::size_t(i)].data(), &lengths[std::size_t(i)]);
+    }
+    mdb_rewind_table(table.get());
+    while (mdb_fetch_row(table.get())) {
+        std::vector<QVariant> row;
+        row.reserve(std::size_t(n));
+        for (int i = 0; i < n; ++i) {
+            const int len = lengths[std::size_t(i)];
+            const QString text = len > 0 ? QString::fromUtf8(buffers[std::size_t(i)].data(), len) : QString();
+            row.push_back(valueFor(out.table.fields[i], text));
+        }
+        out.table.rows.push_back(std::move(row));
+    }
+    return out;
+}
+
+Result<SourceTable> readDbaseSource(const QString &dbfPath)
+{
+    auto dbf = readDbf(dbfPath);
+    if (!dbf)
+        return Result<SourceTable>::fail(kSourceUnreadable, 3061);
+    SourceTable out;
+    out.table = std::move(dbf.value());
+    for (const DbfField &f : out.table.fields)
+        out.fields << SourceField{f.name, engineTypeOf(f)};
+    return out;
+}
+
+namespace {
+
+// Splits one line; `quotedCells` tells which cells were in double quotes
+// (a quoted cell is text even when it reads as a number, such as "001").
+QStringList splitDelimited(const QString &line, QChar sep, QList<bool> *quotedCells = nullptr)
+{
+    QStringList out;
+    QString cur;
+    bool quoted = false;
+    bool wasQuoted = false;
+    for (int i = 0; i < line.size(); ++i) {
+        const QChar c = line[i];
+        if (quoted) {
+            if (c == QLatin1Char('"')) {
+                if (i + 1 < line.size() && line[i + 1] == QLatin1Char('"')) {
+                    cur += c;
+                    ++i;
+                } else {
+                    quoted = false;
+                }
+            } else {
+                cur += c;
+            }
+        } else if (c == QLatin1Char('"')) {
+            quoted = true;
+            wasQuoted = true;
+        } else if (c == sep) {
+            out << cur;
+            if (quotedCells)
+                *quotedCells << wasQuoted;
+            cur.clear();
+            wasQuoted = false;
+        } else {
+            cur += c;
+        }
+    }
+    out << cur;
+    if (quotedCells)
+        *quotedCells << wasQuoted;
+    return out;
+}
+
+}  // namespace
+
+Result<SourceTable> readTextSource(const QString &txtPath)
+{
+    QFile file(txtPath);
+    if (!file.open(QIODevice::ReadOnly))
+        return Result<SourceTable>::fail(kSourceUnreadable, 3061);
+    const QByteArray bytes = file.readAll();
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    QString text = utf8.decode(bytes);
+    if (utf8.hasError())
+        text = QString::fromLatin1(bytes);
+    QStringList lines = text.split(QLatin1Char('\n'));
+    for (QString &l : lines)
+        if (l.endsWith(QLatin1Char('\r')))
+            l.chop(1);
+    while (!lines.isEmpty() && lines.last().trimmed().isEmpty())
+        lines.removeLast();
+    if (lines.isEmpty())
+        return Result<SourceTable>::fail(kSourceUnreadable, 3061);
+
+    QChar sep = QLatin1Char(',');
+    for (QChar c : {QLatin1Char(';'), QLatin1Char('\t'), QLatin1Char(',')})
+        if (lines.first().contains(c)) {
+            sep = c;
+            break;
+        }
+    const QStringList header = splitDelimited(lines.first(), sep);
+    std::vector<QStringList> cells;
+    QList<bool> quotedColumn(header.size(), false);
+    for (int i = 1; i < lines.size(); ++i) {
+        QList<bool> quoted;
+        QStringList row = splitDelimited(lines[i], sep, &quoted);
+        while (row.size() < header.size())
+            row << QString();
+        for (int c = 0; c < std::min(quoted.size(), quotedColumn.size()); ++c)
+            quotedColumn[c] = quotedColumn[c] || quoted[c];
+        cells.push_back(row);
+    }
+
+    SourceTable out;
+    for (int c = 0; c < header.size(); ++c) {
+        bool numeric = !quotedColumn[c], integral = true, any = false;
+        int width = 1;
+        for (const QStringList &row : cells) {
+            const QString v = row[c].trimmed();
+            width = std::max(width, int(row[c].size()));
+            if (v.isEmpty())
+                continue;
+            any = true;
+            bool ok = false;
+            v.toLongLong(&ok);
+            if (!ok) {
+                integral = false;
+                v.toDouble(&ok);
+                if (!ok)
+                    numeric = false;
+            }
+        }
+        const int type = !(numeric && any) ? JoinFieldType::Text : integral ? JoinFieldType::Long : JoinFieldType::Double;
+        out.fields << SourceField{header[c].trimmed(), type};
+        out.table.fields << dbfFieldFor(header[c].trimmed(), type, width);
+    }
+    for (const QStringList &row : cells) {
+        std::vector<QVariant> values;
+        for (int c = 0; c < header.size(); ++c) {
+            const DbfField &f = out.table.fields[c];
+            values.push_back(valueFor(f, f.type == DbfType::Text ? row[c] : row[c].trimmed()));
+        }
+        out.table.rows.push_back(std::move(values));
+    }
+    return out;
+}
+
+Result<SourceTable> readSource(const QString &type, const QString &folder, const QString &file, const QString &table)
+{
+    const QString path = folder.isEmpty() ? file : folder + QLatin1Char('/') + file;
+    if (type == JoinSourceType::Access)
+        return readAccessTable(path, table);
+    if (type == JoinSourceType::Text)
+        return readTextSource(path);
+    return readDbaseSource(path);
+}
+
+}  // namespace mervola
