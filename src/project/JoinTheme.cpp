@@ -10,6 +10,7 @@
 #include "project/ThemeSettings.h"
 
 #include <QFile>
+#include <algorithm>
 #include <QFileInfo>
 
 namespace mervola {
@@ -45,7 +46,20 @@ Result<JoinOutcome> rejoinTheme(const AtlasHome &home, const LoadedTheme &theme,
     const StagingContext context{type, j.pathDb, j.nomeDb, shp.absolutePath(), themeTable};
     QList<StagedField> rows = stagedRowsFor(context, source->fields, themeFields);
     const QString key = j.campoJoinExt.left(kDbfMaxFieldNameLength).toUpper();
-    const QStringList &wanted = theme.settings.structJoin;
+    // The stored list names the added columns; an alias given in the wizard
+    // is not stored, so when a listed name matches no source field every
+    // field is brought back under its own name.
+    QStringList wanted = theme.settings.structJoin;
+    for (const QString &name : std::as_const(wanted)) {
+        const bool found = std::any_of(rows.cbegin(), rows.cend(), [&](const StagedField &r) {
+            return r.outputName().compare(name, Qt::CaseInsensitive) == 0 ||
+                   r.nomeCampo.compare(name, Qt::CaseInsensitive) == 0;
+        });
+        if (!found) {
+            wanted.clear();
+            break;
+        }
+    }
     for (StagedField &r : rows) {
         const bool listed = wanted.contains(r.outputName(), Qt::CaseInsensitive) ||
                             wanted.contains(r.nomeCampo, Qt::CaseInsensitive);

@@ -20,8 +20,9 @@ class MapModel;
 QString sourceTypeOfFile(const QString &fileName);
 
 // Re-runs the join stored in a theme's settings (JOIN first field not "-1"):
-// stages the source's fields (only those listed in STRUCTJOIN when the list
-// is not empty, and always the external join field), then Execute_Join.
+// stages the source's fields (only those listed in STRUCTJOIN when every
+// listed name is found in the source, and always the external join field),
+// then Execute_Join. The settings file is left as loaded.
 Result<JoinOutcome> rejoinTheme(const AtlasHome &home, const LoadedTheme &theme, int layerIndex = 0);
 
 // The hook for ProjectFiles::hooks().rejoin: a failed re-join shows its
