@@ -1,0 +1,145 @@
+#include "data/ui/FrmGrafico.h"
+
+#include "data/ui/FrmGraficoCharts.h"
+#include "platform/Messages.h"
+
+#include <QButtonGroup>
+#include <QChartView>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
+#include <QPrinterInfo>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+namespace mervola {
+
+FrmGrafico::FrmGrafico(ChartSeries series, ChartKind kind, bool threeD, QWidget *parent)
+    : QDialog(parent), m_series(std::move(series)), m_kind(kind), m_threeD(threeD)
+{
+    setObjectName(QStringLiteral("frmChart"));
+    setWindowTitle(ChartText::kCaption);
+    auto *layout = new QVBoxLayout(this);
+    m_chartHost = new QWidget(this);
+    m_chartHost->setObjectName(QStringLiteral("MSChart1"));
+    m_chartLayout = new QVBoxLayout(m_chartHost);
+    m_chartLayout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_chartHost, 1);
+
+    auto *row = new QHBoxLayout;
+    auto *group = new QButtonGroup(this);
+    const QList<std::pair<QString, LabelFormat>> options{{ChartText::kValues, LabelFormat::Values},
+                                                         {ChartText::kPercentages, LabelFormat::Percentages}};
+    for (const auto &[text, format] : options) {
+        auto *option = new QRadioButton(text, this);
+        option->setObjectName(QStringLiteral("Option1"));
+        option->setChecked(format == m_format);
+        group->addButton(option);
+        const LabelFormat f = format;
+        connect(option, &QRadioButton::toggled, this, [this, f](bool on) {
+            if (on)
+                setLabelFormat(f);
+        });
+        row->addWidget(option);
+    }
+    row->addStretch();
+    auto *preview = new QPushButton(ChartText::kPreview, this);
+    preview->setObjectName(QStringLiteral("cmd_preview"));
+    connect(preview, &QPushButton::clicked, this, &FrmGrafico::preview);
+    row->addWidget(preview);
+    auto *close = new QPushButton(ChartText::kClose, this);
+    close->setObjectName(QStringLiteral("cmdChiudi"));
+    connect(close, &QPushButton::clicked, this, &QDialog::accept);
+    row->addWidget(close);
+    layout->addLayout(row);
+    resize(760, 520);
+    rebuild();
+}
+
+void FrmGrafico::setLabelFormat(LabelFormat format)
+{
+    if (format == m_format)
+        return;
+    m_format = format;
+    rebuild();
+}
+
+void FrmGrafico::rebuild()
+{
+    if (m_chart) {
+        m_chartLayout->removeWidget(m_chart);
+        delete m_chart;
+        m_chart = nullptr;
+        m_view = nullptr;
+    }
+    if (m_threeD)
+        m_chart = buildSolidChart(m_series, m_kind, m_format, m_chartHost);
+    if (!m_chart) {
+        m_view = new QChartView(buildFlatChart(m_series, m_kind, m_format), m_chartHost);
+        m_view->setRenderHint(QPainter::Antialiasing);
+        m_chart = m_view;
+    }
+    m_chartLayout->addWidget(m_chart);
+}
+
+void FrmGrafico::preview()
+{
+    if (QPrinterInfo::availablePrinters().isEmpty()) {
+        showMessage(MsgStyle::Information, ChartText::kNoPrinter);
+        return;
+    }
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setPageOrientation(QPageLayout::Landscape);
+    QPrintPreviewDialog dialog(&printer, this);
+    dialog.setObjectName(QStringLiteral("frmStampaGraph"));
+    dialog.setWindowTitle(QStringLiteral("Mervola - Anteprima di stampa"));
+    connect(&dialog, &QPrintPreviewDialog::paintRequested, this, [this](QPrinter *p) {
+        QPainter painter(p);
+        const QRect page = painter.viewport();
+        // The flat chart is drawn again at the printer's resolution; a solid
+        // one is printed from its picture on screen.
+        if (m_view) {
+            m_view->render(&painter, page, m_view->viewport()->rect());
+        } else if (m_chart) {
+            const QPixmap picture = m_chart->grab();
+            painter.drawPixmap(page, picture.scaled(page.size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+        }
+    });
+    dialog.exec();
+}
+
+FrmGrafico *openChart(QWidget *parent, const DbfTable &table, const QString &field, const QString &caption,
+                      const QList<int> &rows, int typeIndex, bool threeD)
+{
+    if (auto s = checkChartRequest(!field.isEmpty(), int(rows.size())); !s) {
+        showMessage(MsgStyle::Information, s.errorMessage());
+        return nullptr;
+    }
+    const std::optional<ChartKind> kind = chartKindAt(typeIndex, threeD);
+    if (!kind)
+        return nullptr;
+    if (auto s = checkChartKind(*kind, int(rows.size())); !s) {
+        showMessage(MsgStyle::Information, s.errorMessage());
+        return nullptr;
+    }
+    auto series = chartSeries(table, field, rows);
+    if (!series) {
+        showMessage(MsgStyle::Information, series.errorMessage());
+        return nullptr;
+    }
+    if (!caption.isEmpty())
+        series->caption = caption;
+    bool solid = threeD;
+    if (solid && !solidChartsAvailable()) {
+        showMessage(MsgStyle::Information, ChartText::kNo3d);
+        solid = false;
+    }
+    auto *window = new FrmGrafico(*series, *kind, solid, parent);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->show();
+    return window;
+}
+
+}  // namespace mervola

@@ -1,0 +1,237 @@
+#include "data/ui/FrmGraficoCharts.h"
+
+#include <QAreaSeries>
+#include <QBarCategoryAxis>
+#include <QBarSeries>
+#include <QBarSet>
+#include <QChart>
+#include <QFont>
+#include <QGuiApplication>
+#include <QLineSeries>
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
+#include <QPieSeries>
+#include <QPieSlice>
+#include <QValueAxis>
+#include <QWidget>
+
+#ifdef MERVOLA_HAVE_DATAVIS
+#include <QtDataVisualization/Q3DBars>
+#include <QtDataVisualization/Q3DTheme>
+#include <QtDataVisualization/QBar3DSeries>
+#include <QtDataVisualization/QBarDataProxy>
+#include <QtDataVisualization/QCategory3DAxis>
+#include <QtDataVisualization/QValue3DAxis>
+#endif
+
+namespace mervola {
+
+namespace {
+
+QFont labelFont() { return QFont(QStringLiteral("Arial"), 8); }
+
+QStringList pointLabels(const ChartSeries &s, LabelFormat format)
+{
+    QStringList out;
+    for (const ChartPoint &p : s.points)
+        out << chartPointLabel(p, s, format);
+    return out;
+}
+
+// Lowest and highest value with zero included, so bars and areas rise from 0.
+std::pair<double, double> valueSpan(const ChartSeries &s)
+{
+    double lo = 0, hi = 0;
+    for (const ChartPoint &p : s.points)
+        if (p.value) {
+            lo = std::min(lo, *p.value);
+            hi = std::max(hi, *p.value);
+        }
+    if (lo == hi)
+        hi = lo + 1;
+    const double pad = (hi - lo) * 0.05;
+    return {lo < 0 ? lo - pad : lo, hi + pad};
+}
+
+void addAxes(QChart *chart, QAbstractSeries *series, const ChartSeries &s, LabelFormat format, bool categories)
+{
+    auto *y = new QValueAxis;
+    const auto [lo, hi] = valueSpan(s);
+    y->setRange(lo, hi);
+    y->setTitleText(s.caption);
+    y->setLabelFormat(s.hasDecimals() ? QStringLiteral("%.2f") : QStringLiteral("%.0f"));
+    y->setLabelsFont(labelFont());
+    chart->addAxis(y, Qt::AlignLeft);
+    series->attachAxis(y);
+    if (!categories)
+        return;
+    auto *x = new QBarCategoryAxis;
+    x->append(pointLabels(s, format));
+    x->setLabelsFont(labelFont());
+    chart->addAxis(x, Qt::AlignBottom);
+    series->attachAxis(x);
+}
+
+QChart *barChart(const ChartSeries &s, LabelFormat format)
+{
+    auto *chart = new QChart;
+    auto *series = new QBarSeries;
+    // One set per element, as one column per selected row: each has its colour and legend entry.
+    const QStringList labels = pointLabels(s, format);
+    for (int i = 0; i < s.points.size(); ++i) {
+        auto *set = new QBarSet(labels[i]);
+        set->append(s.points[i].value.value_or(0));
+        series->append(set);
+    }
+    chart->addSeries(series);
+    addAxes(chart, series, s, format, false);
+    auto *x = new QBarCategoryAxis;
+    x->append(s.caption);
+    x->setLabelsFont(labelFont());
+    chart->addAxis(x, Qt::AlignBottom);
+    series->attachAxis(x);
+    chart->legend()->setAlignment(Qt::AlignRight);
+    chart->legend()->setFont(labelFont());
+    return chart;
+}
+
+// Lines, areas and steps: one line across the elements, x = position in the selection.
+QLineSeries *lineSeries(const ChartSeries &s, bool stepped)
+{
+    auto *line = new QLineSeries;
+    line->setName(s.caption);
+    for (int i = 0; i < s.points.size(); ++i) {
+        const double v = s.points[i].value.value_or(0);
+        if (stepped) {
+            line->append(i - 0.5, v);
+            line->append(i + 0.5, v);
+        } else {
+            line->append(i, v);
+        }
+    }
+    return line;
+}
+
+QChart *xyChart(const ChartSeries &s, ChartKind kind, LabelFormat format)
+{
+    auto *chart = new QChart;
+    QAbstractSeries *series = nullptr;
+    if (kind == ChartKind::Areas) {
+        auto *area = new QAreaSeries(lineSeries(s, false));
+        area->setName(s.caption);
+        series = area;
+    } else {
+        auto *line = lineSeries(s, kind == ChartKind::Step);
+        line->setPointsVisible(kind == ChartKind::Lines);
+        series = line;
+    }
+    chart->addSeries(series);
+    addAxes(chart, series, s, format, true);
+    chart->legend()->hide();
+    return chart;
+}
+
+QChart *pieChart(const ChartSeries &s, LabelFormat format)
+{
+    auto *chart = new QChart;
+    auto *pie = new QPieSeries;
+    for (const ChartPoint &p : s.points) {
+        auto *slice = pie->append(chartPointLabel(p, s, format), p.value.value_or(0));
+        slice->setLabelVisible(true);
+        slice->setLabelFont(labelFont());
+    }
+    chart->addSeries(pie);
+    chart->legend()->setAlignment(Qt::AlignRight);
+    chart->legend()->setFont(labelFont());
+    return chart;
+}
+
+}  // namespace
+
+QChart *buildFlatChart(const ChartSeries &series, ChartKind kind, LabelFormat format)
+{
+    QChart *chart = nullptr;
+    switch (kind) {
+    case ChartKind::Bars:
+        chart = barChart(series, format);
+        break;
+    case ChartKind::Lines:
+    case ChartKind::Areas:
+    case ChartKind::Step:
+        chart = xyChart(series, kind, format);
+        break;
+    case ChartKind::Pie:
+        chart = pieChart(series, format);
+        break;
+    }
+    chart->setTitle(series.caption);
+    chart->setAnimationOptions(QChart::NoAnimation);
+    return chart;
+}
+
+bool solidChartsAvailable()
+{
+#ifdef MERVOLA_HAVE_DATAVIS
+    const QString platform = QGuiApplication::platformName();
+    if (platform == QLatin1String("offscreen") || platform == QLatin1String("minimal"))
+        return false;
+    QOpenGLContext context;
+    if (!context.create())
+        return false;
+    QOffscreenSurface surface;
+    surface.setFormat(context.format());
+    surface.create();
+    return surface.isValid() && context.makeCurrent(&surface) && (context.doneCurrent(), true);
+#else
+    return false;
+#endif
+}
+
+QWidget *buildSolidChart(const ChartSeries &s, ChartKind kind, LabelFormat format, QWidget *parent)
+{
+#ifdef MERVOLA_HAVE_DATAVIS
+    if (!solidChartsAvailable())
+        return nullptr;
+    auto *bars = new Q3DBars;
+    auto *series = new QBar3DSeries;
+    // Each solid type is a bar shape: blocks for bars, cylinders for lines,
+    // pyramids for areas, touching flat blocks for steps.
+    switch (kind) {
+    case ChartKind::Lines:
+        series->setMesh(QAbstract3DSeries::MeshCylinder);
+        break;
+    case ChartKind::Areas:
+        series->setMesh(QAbstract3DSeries::MeshPyramid);
+        break;
+    case ChartKind::Step:
+        series->setMesh(QAbstract3DSeries::MeshBar);
+        bars->setBarSpacing(QSizeF(0.0, 0.0));
+        break;
+    default:
+        series->setMesh(QAbstract3DSeries::MeshBevelBar);
+        break;
+    }
+    QBarDataRow *row = new QBarDataRow;
+    for (const ChartPoint &p : s.points)
+        row->append(QBarDataItem(float(p.value.value_or(0))));
+    series->dataProxy()->addRow(row, s.caption);
+    series->dataProxy()->setColumnLabels(pointLabels(s, format));
+    series->setItemLabelFormat(QStringLiteral("@colLabel"));
+    bars->addSeries(series);
+    bars->columnAxis()->setLabelAutoRotation(30);
+    bars->valueAxis()->setTitle(s.caption);
+    bars->valueAxis()->setTitleVisible(true);
+    bars->activeTheme()->setFont(QFont(QStringLiteral("Arial"), 24));
+    QWidget *container = QWidget::createWindowContainer(bars, parent);
+    container->setMinimumSize(400, 300);
+    return container;
+#else
+    Q_UNUSED(s);
+    Q_UNUSED(kind);
+    Q_UNUSED(format);
+    Q_UNUSED(parent);
+    return nullptr;
+#endif
+}
+
+}  // namespace mervola
