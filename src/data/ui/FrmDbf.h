@@ -1,0 +1,129 @@
+#pragma once
+// frmDbf: the attribute table of the active theme in a grid, with sorting,
+// the table query, the category filter, export to dBase, the chart panel
+// and "show on map". One window at a time; it does not block the main window.
+
+#include "data/AttributeTable.h"
+#include "data/AttributeTableModel.h"
+#include "platform/AtlasHome.h"
+
+#include <QDialog>
+#include <QHash>
+#include <functional>
+#include <memory>
+
+class QAction;
+class QButtonGroup;
+class QComboBox;
+class QLabel;
+class QTableView;
+class QTimer;
+class QToolBar;
+class QWidget;
+
+namespace mervola {
+
+// What the window needs to know about the theme it shows.
+struct DbfWindowSource {
+    QString themeName;      // the name in the caption (the legend's alias)
+    QString layerName;      // the map layer, handed back by showOnMap
+    QString shapefilePath;  // the theme's .shp; the table is the .dbf beside it
+    bool joined = false;    // the theme carries a join of external data
+    AtlasHome home;         // for the reference database
+    StructureTable structure;
+};
+
+// The main window's side of the attribute table window.
+class AttributeTableHost {
+public:
+    virtual ~AttributeTableHost() = default;
+    // Select and highlight the elements of `layerName` whose key field has one
+    // of `keyValues`; `condition` is the same choice as an expression
+    // ("Label = 'A' and Label = 'B'").
+    virtual void showOnMap(const QString &layerName, const QString &condition, const QString &keyField,
+                           const QStringList &keyValues) = 0;
+    // The window closed: enable the "dbf" button again, raise the main window.
+    virtual void attributeWindowClosed() = 0;
+    // Windows opened from the table; by default they say they are not available.
+    virtual void openStatistics(const DbfWindowState &state);
+    virtual void openChart(const DbfWindowState &state, const QString &indicatorField, int typeIndex, bool threeD);
+    virtual void printTable(const DbfWindowState &state);
+    virtual void openJoin(const QString &layerName);
+};
+
+class FrmDbf : public QDialog {
+    Q_OBJECT
+public:
+    // Reads the table; on failure the message is in loadError() and the grid is empty.
+    FrmDbf(AttributeTableHost &host, DbfWindowSource source, QWidget *parent = nullptr);
+    ~FrmDbf() override;
+
+    QString loadError() const { return m_loadError; }
+    // Runs a toolbar command by its key ("statistiche", "query", "Mostra" ...).
+    void runCommand(const QString &key);
+    // The state that statistics, charts and the report read.
+    DbfWindowState windowState() const;
+    AttributeTable *table() const { return m_table.get(); }
+    QTableView *grid() const { return m_grid; }
+    QAction *command(const QString &key) const { return m_actions.value(key); }
+    int currentColumn() const { return m_column; }
+    const IndicatorCatalog &catalog() const { return m_catalog; }
+
+    // The file the export writes; the save dialog by default (tests replace it).
+    std::function<QString()> chooseExportFile;
+    // Opens the table query; the query dialog by default (tests replace it).
+    std::function<void(FrmDbf &)> openQuery;
+
+    // Called by the table query after a filter was set or dropped.
+    void queryApplied(bool found);
+    // The column set-up: captions, DUMMY and the category's columns, widths kept.
+    void setUpColumns();
+    void refreshStatus();
+    QString categoryCode() const;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void buildToolbar();
+    QWidget *buildChartPanel();
+    void columnClicked(int column);
+    void sort(SortOrder order);
+    void statistics();
+    void print();
+    void exportTable();
+    void showOnMap();
+    void showChart();
+    void fillChartTypes();
+    void updateSelectionCount();
+    QList<int> selectedRows() const;
+
+    AttributeTableHost &m_host;
+    DbfWindowSource m_source;
+    std::unique_ptr<AttributeTable> m_table;
+    IndicatorCatalog m_catalog;
+    AttributeTableModel *m_model = nullptr;
+    QString m_loadError;
+    int m_column = -1;
+    QList<int> m_selectionOrder;  // shown rows in the order the user selected them
+
+    QToolBar *m_toolbar = nullptr;
+    QHash<QString, QAction *> m_actions;
+    QComboBox *m_categories = nullptr;
+    QTableView *m_grid = nullptr;
+    QLabel *m_infoSel = nullptr;
+    QLabel *m_infoOn = nullptr;
+    QWidget *m_chartPanel = nullptr;
+    QButtonGroup *m_dimension = nullptr;
+    QComboBox *m_chartType = nullptr;
+    QComboBox *m_numeric = nullptr;
+    QLabel *m_countSel = nullptr;
+    QTimer *m_timer = nullptr;
+};
+
+// Opens the attribute table window of a theme (or raises the one already
+// open) and shows it without blocking. Returns nullptr, after the message,
+// when the table cannot be read.
+FrmDbf *openAttributeTable(QWidget *parent, AttributeTableHost &host, const DbfWindowSource &source);
+
+}  // namespace mervola
