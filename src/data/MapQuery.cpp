@@ -1,12 +1,12 @@
 // The map query builder's logic.
 #include "data/MapQuery.h"
 
+#include "data/TableQuery.h"
+
 #include "platform/SqlText.h"
 #include "platform/dbf/DbfFolder.h"
 
 #include <QFileInfo>
-
-#include <algorithm>
 
 namespace mervola {
 
@@ -44,19 +44,6 @@ QString valueInsertion(const QString &value, bool textField)
     // The user edits the text afterwards, so an apostrophe inside the value
     // is doubled here: the condition stays valid SQL as inserted.
     return textField ? sqlQuote(value) : value;
-}
-
-int insertAtCaret(QString &text, int caret, const QString &piece)
-{
-    caret = std::clamp(caret, 0, int(text.size()));
-    text.insert(caret, piece);
-    return caret + int(piece.size());
-}
-
-QString distinctValuesStatement(const QString &field, const QString &table)
-{
-    return QStringLiteral("Select distinct [") + field + QStringLiteral("] from [") + table + QStringLiteral("] ORDER BY [")
-           + field + QStringLiteral("] Asc;");
 }
 
 QString normalizeDecimalComma(const QString &condition)
@@ -111,18 +98,18 @@ Result<MapQueryResult> runMapQuery(DbfFolder &folder, const QString &table, cons
     return r;
 }
 
-Result<QList<QueryField>> queryFields(DbfFolder &folder, const QString &table)
+Result<QList<MapQueryField>> mapQueryFields(DbfFolder &folder, const QString &table)
 {
     auto t = folder.table(table);
     if (!t)
         return t.error();
-    QList<QueryField> fields;
+    QList<MapQueryField> fields;
     for (const DbfField &f : t->fields)
         fields.push_back({f.name, f.type == DbfType::Text});
     return fields;
 }
 
-Result<QStringList> distinctValues(DbfFolder &folder, const QString &table, const QString &field)
+Result<QStringList> mapQueryValues(DbfFolder &folder, const QString &table, const QString &field)
 {
     auto rows = folder.query(distinctValuesStatement(field, table));
     if (!rows)

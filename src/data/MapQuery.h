@@ -51,11 +51,7 @@ QString operatorInsertion(int index);
 QString fieldInsertion(const QString &field);
 // What a value inserts: enclosed in apostrophes for a text field.
 QString valueInsertion(const QString &value, bool textField);
-// Inserts `piece` into `text` at `caret`; returns the caret after it.
-int insertAtCaret(QString &text, int caret, const QString &piece);
 
-// "Select distinct [f] from [t] ORDER BY [f] Asc;"
-QString distinctValuesStatement(const QString &field, const QString &table);
 // A decimal comma typed by the user becomes a point (every comma).
 QString normalizeDecimalComma(const QString &condition);
 // A condition with no blank that is a bare number: refused as a syntax error.
@@ -83,13 +79,14 @@ struct MapQueryResult {
 Result<MapQueryResult> runMapQuery(DbfFolder &folder, const QString &table, const QString &condition);
 
 // Field names of a table and whether each is text.
-struct QueryField {
+struct MapQueryField {
     QString name;
     bool isText = false;
 };
-Result<QList<QueryField>> queryFields(DbfFolder &folder, const QString &table);
-// The distinct values of a field, as text (nulls left out).
-Result<QStringList> distinctValues(DbfFolder &folder, const QString &table, const QString &field);
+Result<QList<MapQueryField>> mapQueryFields(DbfFolder &folder, const QString &table);
+// The distinct values of a field, as text (nulls left out), read with the
+// table query's "Select distinct" statement.
+Result<QStringList> mapQueryValues(DbfFolder &folder, const QString &table, const QString &field);
 
 // The map side of the builder: the main window selects the elements of
 // `theme` matching `expression`, highlights them and zooms to them.
