@@ -3,6 +3,8 @@
 #include "platform/dbf/DbfFolder.h"
 
 #include <QLocale>
+#include <algorithm>
+#include <cmath>
 
 namespace mervola {
 
@@ -117,11 +119,23 @@ Result<ColumnStatistics> computeStatistics(const StatisticsRequest &request, con
 
 QString statisticsNumberText(double value)
 {
+    // Fifteen significant digits, as a double is written as text by the
+    // database, so that sums do not show binary noise (13627,4867 rather
+    // than 13627,486700000003); trailing zeros dropped.
+    if (value == 0 || !std::isfinite(value))
+        return QStringLiteral("0");  // also no "-0"
+    const int intDigits = std::max(1, int(std::floor(std::log10(std::abs(value)))) + 1);
+    const int decimals = std::clamp(15 - intDigits, 0, 15);
     QLocale italian(QLocale::Italian, QLocale::Italy);
     italian.setNumberOptions(QLocale::OmitGroupSeparator);
-    if (value == 0)
-        return QStringLiteral("0");  // no "-0"
-    return italian.toString(value, 'f', QLocale::FloatingPointShortest);
+    QString text = italian.toString(value, 'f', decimals);
+    if (text.contains(QLatin1Char(','))) {
+        while (text.endsWith(QLatin1Char('0')))
+            text.chop(1);
+        if (text.endsWith(QLatin1Char(',')))
+            text.chop(1);
+    }
+    return text == QLatin1String("-0") ? QStringLiteral("0") : text;
 }
 
 QStringList statisticsValueTexts(const ColumnStatistics &s)

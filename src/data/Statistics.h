@@ -81,7 +81,7 @@ Result<ColumnStatistics> computeStatistics(const StatisticsRequest &request,
 // The values as the grid shows them, in the order of statisticsRowNames().
 QStringList statisticsValueTexts(const ColumnStatistics &stats);
 // A number as the grid writes it: Italian decimal comma, no grouping,
-// shortest text that reads back as the same value.
+// at most fifteen significant digits.
 QString statisticsNumberText(double value);
 
 // Window caption: "Statistiche su " + the attribute window's caption in upper case.

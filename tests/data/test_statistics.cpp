@@ -167,6 +167,9 @@ private slots:
         QTest::newRow("whole") << 2.0 << QStringLiteral("2");
         QTest::newRow("negative zero") << -0.0 << QStringLiteral("0");
         QTest::newRow("negative") << -12.25 << QStringLiteral("-12,25");
+        QTest::newRow("binary noise of a sum") << 13627.486700000003 << QStringLiteral("13627,4867");
+        QTest::newRow("fifteen digits") << 412.95414242424243 << QStringLiteral("412,954142424242");
+        QTest::newRow("small") << 0.000125 << QStringLiteral("0,000125");
     }
     void valueTexts()
     {

@@ -36,6 +36,7 @@ FrmGrafico::FrmGrafico(ChartSeries series, ChartKind kind, bool threeD, QWidget 
         auto *option = new QRadioButton(text, this);
         option->setObjectName(QStringLiteral("Option1"));
         option->setChecked(format == m_format);
+        option->setProperty("labelFormat", int(format));
         group->addButton(option);
         const LabelFormat f = format;
         connect(option, &QRadioButton::toggled, this, [this, f](bool on) {
@@ -51,10 +52,12 @@ FrmGrafico::FrmGrafico(ChartSeries series, ChartKind kind, bool threeD, QWidget 
     row->addWidget(preview);
     auto *close = new QPushButton(ChartText::kClose, this);
     close->setObjectName(QStringLiteral("cmdChiudi"));
+    close->setDefault(true);
+    preview->setAutoDefault(false);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
     row->addWidget(close);
     layout->addLayout(row);
-    resize(760, 520);
+    resize(860, 620);
     rebuild();
 }
 
@@ -63,6 +66,10 @@ void FrmGrafico::setLabelFormat(LabelFormat format)
     if (format == m_format)
         return;
     m_format = format;
+    for (QRadioButton *option : findChildren<QRadioButton *>(QStringLiteral("Option1"))) {
+        const QSignalBlocker quiet(option);
+        option->setChecked(option->property("labelFormat").toInt() == int(format));
+    }
     rebuild();
 }
 

@@ -8,6 +8,7 @@
 #include <QFont>
 #include <QGuiApplication>
 #include <QLineSeries>
+#include <QLocale>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QPieSeries>
@@ -29,6 +30,16 @@ namespace mervola {
 namespace {
 
 QFont labelFont() { return QFont(QStringLiteral("Arial"), 8); }
+
+// Distinct colours for the elements of a pie (the theme's own are shades of one blue).
+const QList<QColor> &elementColours()
+{
+    static const QList<QColor> colours{QColor(0x20, 0x9f, 0xdf), QColor(0x99, 0xca, 0x53), QColor(0xf6, 0xa6, 0x25),
+                                       QColor(0x6d, 0x5f, 0xd5), QColor(0xbf, 0x59, 0x3e), QColor(0x2e, 0x8b, 0x57),
+                                       QColor(0xd6, 0x3a, 0x8a), QColor(0x80, 0x80, 0x80), QColor(0xe0, 0xc0, 0x20),
+                                       QColor(0x30, 0x50, 0x90)};
+    return colours;
+}
 
 QStringList pointLabels(const ChartSeries &s, LabelFormat format)
 {
@@ -61,6 +72,7 @@ void addAxes(QChart *chart, QAbstractSeries *series, const ChartSeries &s, Label
     y->setTitleText(s.caption);
     y->setLabelFormat(s.hasDecimals() ? QStringLiteral("%.2f") : QStringLiteral("%.0f"));
     y->setLabelsFont(labelFont());
+    y->applyNiceNumbers();
     chart->addAxis(y, Qt::AlignLeft);
     series->attachAxis(y);
     if (!categories)
@@ -68,6 +80,8 @@ void addAxes(QChart *chart, QAbstractSeries *series, const ChartSeries &s, Label
     auto *x = new QBarCategoryAxis;
     x->append(pointLabels(s, format));
     x->setLabelsFont(labelFont());
+    if (s.points.size() > 2)
+        x->setLabelsAngle(-90);  // element names are long: upright they keep their whole text
     chart->addAxis(x, Qt::AlignBottom);
     series->attachAxis(x);
 }
@@ -135,14 +149,17 @@ QChart *pieChart(const ChartSeries &s, LabelFormat format)
 {
     auto *chart = new QChart;
     auto *pie = new QPieSeries;
-    for (const ChartPoint &p : s.points) {
+    pie->setPieSize(0.6);
+    for (int i = 0; i < s.points.size(); ++i) {
+        const ChartPoint &p = s.points[i];
         auto *slice = pie->append(chartPointLabel(p, s, format), p.value.value_or(0));
         slice->setLabelVisible(true);
         slice->setLabelFont(labelFont());
+        slice->setColor(elementColours()[i % elementColours().size()]);
     }
     chart->addSeries(pie);
-    chart->legend()->setAlignment(Qt::AlignRight);
-    chart->legend()->setFont(labelFont());
+    // The slices' labels name the elements: no legend, so they have the whole width.
+    chart->legend()->hide();
     return chart;
 }
 
@@ -166,6 +183,9 @@ QChart *buildFlatChart(const ChartSeries &series, ChartKind kind, LabelFormat fo
     }
     chart->setTitle(series.caption);
     chart->setAnimationOptions(QChart::NoAnimation);
+    // Axis numbers with the decimal comma, as the labels.
+    chart->setLocalizeNumbers(true);
+    chart->setLocale(QLocale(QLocale::Italian, QLocale::Italy));
     return chart;
 }
 

@@ -36,6 +36,7 @@ FrmStatistiche::FrmStatistiche(const ColumnStatistics &stats, const QString &tab
     m_grid = new QTableWidget(this);
     m_grid->setObjectName(QStringLiteral("flxgrdStat"));
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_grid->setFocusPolicy(Qt::NoFocus);  // the close button keeps the focus
     m_grid->horizontalHeader()->hide();
     m_grid->verticalHeader()->hide();
     layout->addWidget(m_grid);

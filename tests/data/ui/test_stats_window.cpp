@@ -164,6 +164,9 @@ private slots:
         w->findChildren<QRadioButton *>(QStringLiteral("Option1")).at(1)->click();
         QCOMPARE(w->labelFormat(), LabelFormat::Percentages);
         QCOMPARE(pieLabels().first(), QStringLiteral("Comunità 4: 33%"));  // 5 of 15
+        w->setLabelFormat(LabelFormat::Values);  // the option buttons follow
+        QVERIFY(w->findChildren<QRadioButton *>(QStringLiteral("Option1")).at(0)->isChecked());
+        QCOMPARE(pieLabels().first(), QStringLiteral("Comunità 4: 5"));
         w->close();
         QTRY_VERIFY(!w);
     }
