@@ -210,7 +210,8 @@ void ReportDocument::layout() const
         for (const QStringList &r : m_rows)
             if (c < r.size())
                 w = std::max(w, detail.horizontalAdvance(r[c]));
-        m_widths[size_t(c)] = std::max(kMinColumn, w + 2 * kCellPad);
+        // A little slack: device fonts may set text slightly wider than measured.
+        m_widths[size_t(c)] = std::max(kMinColumn, w * 1.05 + 2 * kCellPad);
     }
     double total = 0;
     for (double w : m_widths)

@@ -174,6 +174,12 @@ private slots:
         QVERIFY(messages.contains(QStringLiteral("Non è stato selezionato nessun elemento.")));
         auto *elementi = child<QListWidget>(w, "lstElementi");
         elementi->setCurrentRow(1);
+        // MERVOLA_SHOTS=DIR keeps a picture of the window for a look.
+        if (const QString shots = qEnvironmentVariable("MERVOLA_SHOTS"); !shots.isEmpty()) {
+            w.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&w));
+            w.grab().save(shots + QStringLiteral("/frmquery.png"));
+        }
         trova->click();
         QCOMPARE(f.map.calls, QStringList{"comu_02|Label = 'Sant''Elia a Pianisi'"});
         // Choosing another theme starts afresh.

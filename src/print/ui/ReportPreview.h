@@ -1,0 +1,62 @@
+#pragma once
+// frmStampaTabella: the preview of the table report, page by page, with the
+// printer set-up, the orientation, printing and saving as PDF.
+//
+// Wiring (attribute table window, "stampa"): after the printer check call
+// openTableReport(parent, home, tableFolder, table, columns, filter); it
+// fills TempRpt, writes dati/TempRpt.vrd and opens the preview.
+
+#include "platform/AtlasHome.h"
+#include "print/ReportDocument.h"
+
+#include <QDialog>
+#include <memory>
+
+class QLabel;
+class QPrinter;
+class QRadioButton;
+class QScrollArea;
+
+namespace mervola {
+
+class ReportPreview : public QDialog {
+    Q_OBJECT
+public:
+    // Loads dati/TempRpt.vrd of the home; a failure is shown and leaves the
+    // preview empty (loaded() is false).
+    explicit ReportPreview(AtlasHome home, QWidget *parent = nullptr);
+    ~ReportPreview() override;
+
+    bool loaded() const { return m_loaded; }
+    int page() const { return m_page; }
+    int pageCount() const { return m_doc.pageCount(); }
+    void showPage(int page);
+    void setOrientation(ReportOrientation orientation);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void reload();
+    void setupPrinter();
+    void printAll();
+    void savePdf();
+
+    AtlasHome m_home;
+    ReportDocument m_doc;
+    bool m_loaded = false;
+    int m_page = 0;
+    std::unique_ptr<QPrinter> m_printer;
+    QLabel *m_picture = nullptr;
+    QLabel *m_indicator = nullptr;
+    QScrollArea *m_scroll = nullptr;
+    QRadioButton *m_portrait = nullptr;
+    QRadioButton *m_landscape = nullptr;
+};
+
+// Prepares the report of a table (rows into TempRpt, the definition file)
+// and opens the preview. Errors are shown with the title "Mervola".
+void openTableReport(QWidget *parent, const AtlasHome &home, const QString &tableFolder, const QString &table,
+                     const QList<ReportColumn> &columns, const QString &filter = {});
+
+}  // namespace mervola
