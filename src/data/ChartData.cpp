@@ -6,15 +6,17 @@
 #include <array>
 #include <cmath>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 struct ChartType {
     const char *text;
     ChartKind kind;
     int flatCode;
-    int solidCode;  // -1: not offered in three dimensions
+    int solidCode; // -1: not offered in three dimensions
 };
 
 constexpr std::array<ChartType, 5> kTypes{{
@@ -35,7 +37,10 @@ const ChartType *typeAt(int index, bool threeD)
     return &t;
 }
 
-bool isDummy(const QString &name) { return name.compare(QLatin1String("DUMMY"), Qt::CaseInsensitive) == 0; }
+bool isDummy(const QString &name)
+{
+    return name.compare(QLatin1String("DUMMY"), Qt::CaseInsensitive) == 0;
+}
 
 QLocale italianPlain()
 {
@@ -44,7 +49,7 @@ QLocale italianPlain()
     return l;
 }
 
-}  // namespace
+} // namespace
 
 QStringList chartTypeNames(bool threeD)
 {
@@ -182,4 +187,4 @@ QString chartPointLabel(const ChartPoint &point, const ChartSeries &series, Labe
     return point.label + QStringLiteral(": ") + chartValueText(*point.value, series, format);
 }
 
-}  // namespace mervola
+} // namespace mervola

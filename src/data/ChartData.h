@@ -9,9 +9,11 @@
 #include <QStringList>
 #include <optional>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace ChartText {
+namespace ChartText
+{
 inline const QString kCaption = QStringLiteral("Mervola - Grafici");
 inline const QString kThreeD = QStringLiteral("Grafico tridimensionale");
 inline const QString kTwoD = QStringLiteral("Grafico bidimensionale");
@@ -19,9 +21,10 @@ inline const QString kShowChart = QStringLiteral("&Mostra grafico");
 inline const QString kSelectedCount = QStringLiteral("Numero di elementi selezionati");
 inline const QString kHelpSelect = QStringLiteral("Selezionare gli elementi dalla griglia");
 inline const QString kHelpCtrl = QStringLiteral("Tenere premuto il tasto CTRL per selezionare più righe");
-inline const QString kHelpAtMost = QStringLiteral(
-    "Scegliere al massimo 10 elementi dalla griglia e un'indicatore per ottenere un grafico.");
-inline const QString kHelpIndicator = QStringLiteral("Selezionare un'indicatore in base al quale si desidera avere il grafico");
+inline const QString kHelpAtMost =
+    QStringLiteral("Scegliere al massimo 10 elementi dalla griglia e un'indicatore per ottenere un grafico.");
+inline const QString kHelpIndicator =
+    QStringLiteral("Selezionare un'indicatore in base al quale si desidera avere il grafico");
 inline const QString kNoIndicator = QStringLiteral("Nessun indicatore selezionato.");
 inline const QString kTooManyRows = QStringLiteral("Attenzione: selezionare massimo 10 elementi");
 inline const QString kNoRows = QStringLiteral("Nessun elemento selezionato.");
@@ -34,7 +37,7 @@ inline const QString kValues = QStringLiteral("Valori");
 inline const QString kPercentages = QStringLiteral("Percentuali");
 inline const QString kPreview = QStringLiteral("&Anteprima di stampa");
 inline const QString kClose = QStringLiteral("&Chiudi");
-}  // namespace ChartText
+} // namespace ChartText
 
 inline constexpr int kChartMaxRows = 10;
 inline constexpr int kPieMaxRows = 5;
@@ -55,19 +58,19 @@ Status checkChartRequest(bool indicatorChosen, int selectedCount);
 Status checkChartKind(ChartKind kind, int selectedCount);
 
 struct ChartPoint {
-    QString label;                 // the record's Label
-    std::optional<double> value;   // empty for a null value
-    QString valueText;             // the value as the table shows it ("" for null)
+    QString label;               // the record's Label
+    std::optional<double> value; // empty for a null value
+    QString valueText;           // the value as the table shows it ("" for null)
 };
 
 struct ChartSeries {
-    QString field;      // the indicator's field name
-    QString caption;    // its description (the column caption), or the field name
+    QString field;   // the indicator's field name
+    QString caption; // its description (the column caption), or the field name
     QList<ChartPoint> points;
 
     // True when some value text has a decimal comma: labels then show decimals.
     bool hasDecimals() const;
-    double total() const;  // sum of the non-null values
+    double total() const; // sum of the non-null values
 };
 
 // One point per row index of `table`, in the given order. Fails when the
@@ -90,4 +93,4 @@ QString chartValueText(double value, const ChartSeries &series, LabelFormat form
 // "Label: value"; the label alone for a null value.
 QString chartPointLabel(const ChartPoint &point, const ChartSeries &series, LabelFormat format);
 
-}  // namespace mervola
+} // namespace mervola

@@ -6,9 +6,11 @@
 #include <algorithm>
 #include <cmath>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 // A value of the aggregate row; null (an empty or all-null column) is 0.
 double valueOrZero(const RowSet &rows, const QString &column)
@@ -29,12 +31,12 @@ void report(const std::function<void(int)> &progress, int done)
         progress(done);
 }
 
-}  // namespace
+} // namespace
 
 QStringList statisticsRowNames()
 {
-    return {QStringLiteral("conteggio"), QStringLiteral("somma"),  QStringLiteral("minimo"),
-            QStringLiteral("massimo"),   QStringLiteral("range"),  QStringLiteral("media"),
+    return {QStringLiteral("conteggio"), QStringLiteral("somma"),          QStringLiteral("minimo"),
+            QStringLiteral("massimo"),   QStringLiteral("range"),          QStringLiteral("media"),
             QStringLiteral("varianza"),  QStringLiteral("deviazione std.")};
 }
 
@@ -123,7 +125,7 @@ QString statisticsNumberText(double value)
     // database, so that sums do not show binary noise (13627,4867 rather
     // than 13627,486700000003); trailing zeros dropped.
     if (value == 0 || !std::isfinite(value))
-        return QStringLiteral("0");  // also no "-0"
+        return QStringLiteral("0"); // also no "-0"
     const int intDigits = std::max(1, int(std::floor(std::log10(std::abs(value)))) + 1);
     const int decimals = std::clamp(15 - intDigits, 0, 15);
     QLocale italian(QLocale::Italian, QLocale::Italy);
@@ -151,4 +153,4 @@ QString statisticsCaption(const QString &tableWindowCaption)
     return StatText::kCaption + QStringLiteral(" su ") + tableWindowCaption.toUpper();
 }
 
-}  // namespace mervola
+} // namespace mervola

@@ -10,21 +10,24 @@
 #include <QStringList>
 #include <functional>
 
-namespace mervola {
+namespace mervola
+{
 
 class DbfFolder;
 
-namespace StatText {
+namespace StatText
+{
 inline const QString kCaption = QStringLiteral("Statistiche");
 inline const QString kWaitCaption = QStringLiteral("Calcolo statistiche...");
 inline const QString kClose = QStringLiteral("&Chiudi");
 inline const QString kTooFewRecords = QStringLiteral("Numero di elementi insufficienti.");
-inline const QString kNoNumericData = QStringLiteral("Impossibile eseguire statistiche.\n"
-                                                     "La corrente collezione di dati non presenta informazioni di tipo numerico.");
+inline const QString kNoNumericData =
+    QStringLiteral("Impossibile eseguire statistiche.\n"
+                   "La corrente collezione di dati non presenta informazioni di tipo numerico.");
 inline const QString kColumnNotNumeric = QStringLiteral("Impossibile calcolare le statistiche.\n"
                                                         "La colonna selezionata non contiene numeri.");
 inline const QString kNoColumn = QStringLiteral("Nessuna colonna selezionata.");
-}  // namespace StatText
+} // namespace StatText
 
 // Error code of a result refused because the column holds no numbers (shown
 // with the exclamation icon; other failures are database errors, whose
@@ -34,11 +37,11 @@ inline constexpr int kStatErrorNoColumn = -2;
 
 // What the attribute window hands over.
 struct StatisticsRequest {
-    QString folder;       // folder of the theme's .dbf
-    QString table;        // theme file name without extension ("commont", "comu_05")
-    QString filter;       // text appended after the table name (" where ..."), empty when none
-    QString field;        // DataField of the current column
-    QString caption;      // header caption of the current column
+    QString folder;  // folder of the theme's .dbf
+    QString table;   // theme file name without extension ("commont", "comu_05")
+    QString filter;  // text appended after the table name (" where ..."), empty when none
+    QString field;   // DataField of the current column
+    QString caption; // header caption of the current column
 };
 
 // One analysed column, in the order the grid shows it. A statistic the
@@ -87,4 +90,4 @@ QString statisticsNumberText(double value);
 // Window caption: "Statistiche su " + the attribute window's caption in upper case.
 QString statisticsCaption(const QString &tableWindowCaption);
 
-}  // namespace mervola
+} // namespace mervola

@@ -5,26 +5,25 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
 DbfTable fixture()
 {
     DbfTable t;
-    t.fields = {{QStringLiteral("PROG_MONT"), DbfType::Text, 8, 0},
-                {QStringLiteral("Label"), DbfType::Text, 40, 0},
-                {QStringLiteral("I001"), DbfType::Numeric, 12, 2},
-                {QStringLiteral("I002"), DbfType::Numeric, 8, 0},
-                {QStringLiteral("DUMMY"), DbfType::Numeric, 4, 0},
-                {QStringLiteral("DATA"), DbfType::Date, 8, 0}};
+    t.fields = {{QStringLiteral("PROG_MONT"), DbfType::Text, 8, 0}, {QStringLiteral("Label"), DbfType::Text, 40, 0},
+                {QStringLiteral("I001"), DbfType::Numeric, 12, 2},  {QStringLiteral("I002"), DbfType::Numeric, 8, 0},
+                {QStringLiteral("DUMMY"), DbfType::Numeric, 4, 0},  {QStringLiteral("DATA"), DbfType::Date, 8, 0}};
     t.rows.push_back({QStringLiteral("01001"), QStringLiteral("Alta Valle"), 12.5, 1200LL, 0LL, QDate(2020, 1, 1)});
     t.rows.push_back({QStringLiteral("01002"), QStringLiteral("Bassa Valle "), QVariant(), 300LL, 0LL, QDate()});
     t.rows.push_back({QStringLiteral("01003"), QStringLiteral("Val d'Ossola"), 2.0, 500LL, 0LL, QDate()});
     return t;
 }
 
-}  // namespace
+} // namespace
 
-class TestChart : public QObject {
+class TestChart : public QObject
+{
     Q_OBJECT
 private slots:
     void typeLists()
@@ -93,7 +92,8 @@ private slots:
         const Status s = checkChartKind(ChartKind(kind), rows);
         QCOMPARE(s.ok(), ok);
         if (!ok)
-            QCOMPARE(s.errorMessage(), QStringLiteral("E' possibile visualizzare al massimo 5 valori contemporaneamente"));
+            QCOMPARE(s.errorMessage(),
+                     QStringLiteral("E' possibile visualizzare al massimo 5 valori contemporaneamente"));
     }
 
     void seriesFollowsTheSelectionOrder()
@@ -105,7 +105,7 @@ private slots:
         QCOMPARE(s->points[0].label, QStringLiteral("Val d'Ossola"));
         QCOMPARE(*s->points[1].value, 12.5);
         QCOMPARE(s->points[1].valueText, QStringLiteral("12,5"));
-        QVERIFY(!s->points[2].value.has_value());  // null stays empty
+        QVERIFY(!s->points[2].value.has_value()); // null stays empty
         QCOMPARE(s->points[2].label, QStringLiteral("Bassa Valle"));
         QCOMPARE(s->total(), 14.5);
         QVERIFY(s->hasDecimals());
@@ -137,10 +137,12 @@ private slots:
         QTest::addColumn<QStringList>("labels");
         QTest::newRow("whole values") << QStringLiteral("I002") << int(LabelFormat::Values)
                                       << QStringList{"Alta Valle: 1200", "Bassa Valle: 300", "Val d'Ossola: 500"};
-        QTest::newRow("decimal values, null alone") << QStringLiteral("I001") << int(LabelFormat::Values)
-                                                    << QStringList{"Alta Valle: 12,50", "Bassa Valle", "Val d'Ossola: 2,00"};
-        QTest::newRow("percentages of the total") << QStringLiteral("I002") << int(LabelFormat::Percentages)
-                                                  << QStringList{"Alta Valle: 60%", "Bassa Valle: 15%", "Val d'Ossola: 25%"};
+        QTest::newRow("decimal values, null alone")
+            << QStringLiteral("I001") << int(LabelFormat::Values)
+            << QStringList{"Alta Valle: 12,50", "Bassa Valle", "Val d'Ossola: 2,00"};
+        QTest::newRow("percentages of the total")
+            << QStringLiteral("I002") << int(LabelFormat::Percentages)
+            << QStringList{"Alta Valle: 60%", "Bassa Valle: 15%", "Val d'Ossola: 25%"};
     }
     void labels()
     {

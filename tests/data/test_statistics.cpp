@@ -9,21 +9,19 @@ using namespace mervola;
 
 Q_DECLARE_METATYPE(QList<DbfField>)
 
-namespace {
+namespace
+{
 
 // A table "temi" with Label, a numeric column VAL and non-numeric columns.
 QString writeFixture(const QTemporaryDir &dir, const QVariantList &values)
 {
     DbfTable t;
-    t.fields = {{QStringLiteral("Label"), DbfType::Text, 30, 0},
-                {QStringLiteral("VAL"), DbfType::Numeric, 12, 3},
-                {QStringLiteral("NOME"), DbfType::Text, 10, 0},
-                {QStringLiteral("FLAG"), DbfType::Logical, 1, 0},
-                {QStringLiteral("GIORNO"), DbfType::Date, 8, 0},
-                {QStringLiteral("RAPPORTO"), DbfType::Float, 14, 4}};
+    t.fields = {{QStringLiteral("Label"), DbfType::Text, 30, 0}, {QStringLiteral("VAL"), DbfType::Numeric, 12, 3},
+                {QStringLiteral("NOME"), DbfType::Text, 10, 0},  {QStringLiteral("FLAG"), DbfType::Logical, 1, 0},
+                {QStringLiteral("GIORNO"), DbfType::Date, 8, 0}, {QStringLiteral("RAPPORTO"), DbfType::Float, 14, 4}};
     for (int i = 0; i < values.size(); ++i)
-        t.rows.push_back({QStringLiteral("E%1").arg(i), values[i], QStringLiteral("x"), true,
-                          QDate(2020, 1, 1 + i), 0.5 * i});
+        t.rows.push_back(
+            {QStringLiteral("E%1").arg(i), values[i], QStringLiteral("x"), true, QDate(2020, 1, 1 + i), 0.5 * i});
     const QString path = dir.path() + QStringLiteral("/temi.dbf");
     return writeDbf(path, t).ok() ? path : QString();
 }
@@ -33,9 +31,10 @@ StatisticsRequest request(const QTemporaryDir &dir, const QString &field, const 
     return {dir.path(), QStringLiteral("temi"), filter, field, QStringLiteral("Valore")};
 }
 
-}  // namespace
+} // namespace
 
-class TestStatistics : public QObject {
+class TestStatistics : public QObject
+{
     Q_OBJECT
 private slots:
     void statementsAreBuiltAsTheEngineExpects()
@@ -52,12 +51,12 @@ private slots:
         QTest::addColumn<QVariantList>("values");
         QTest::addColumn<QString>("filter");
         QTest::addColumn<int>("count");
-        QTest::addColumn<QList<double>>("expected");  // sum, min, max, range, mean, variance, deviation
+        QTest::addColumn<QList<double>>("expected"); // sum, min, max, range, mean, variance, deviation
         const QVariant null;
-        QTest::newRow("two records: divisor 1") << QVariantList{1.0, 3.0} << QString() << 2
-                                                << QList<double>{4, 1, 3, 2, 2, 2, std::sqrt(2.0)};
-        QTest::newRow("one distinct value") << QVariantList{5.0, 5.0, 5.0} << QString() << 3
-                                            << QList<double>{15, 5, 5, 0, 5, 0, 0};
+        QTest::newRow("two records: divisor 1")
+            << QVariantList{1.0, 3.0} << QString() << 2 << QList<double>{4, 1, 3, 2, 2, 2, std::sqrt(2.0)};
+        QTest::newRow("one distinct value")
+            << QVariantList{5.0, 5.0, 5.0} << QString() << 3 << QList<double>{15, 5, 5, 0, 5, 0, 0};
         QTest::newRow("all null") << QVariantList{null, null, null} << QString() << 3
                                   << QList<double>{0, 0, 0, 0, 0, 0, 0};
         QTest::newRow("nulls are not counted in aggregates")
@@ -91,7 +90,8 @@ private slots:
         const QList<double> got{s->sum, s->minimum, s->maximum, s->range, s->mean, s->variance, s->deviation};
         for (int i = 0; i < got.size(); ++i)
             QVERIFY2(std::abs(got[i] - expected[i]) < 1e-9,
-                     qPrintable(QStringLiteral("%1: %2 != %3").arg(statisticsRowNames()[i + 1]).arg(got[i]).arg(expected[i])));
+                     qPrintable(
+                         QStringLiteral("%1: %2 != %3").arg(statisticsRowNames()[i + 1]).arg(got[i]).arg(expected[i])));
         QCOMPARE(steps, (QList<int>{1, 2, 3, 4, 5, 6, 7, 8}));
     }
 
@@ -115,7 +115,9 @@ private slots:
         QVERIFY(!s.ok());
         QCOMPARE(s.error().code, code);
         if (code == kStatErrorNotNumeric)
-            QCOMPARE(s.errorMessage(), QStringLiteral("Impossibile calcolare le statistiche.\nLa colonna selezionata non contiene numeri."));
+            QCOMPARE(
+                s.errorMessage(),
+                QStringLiteral("Impossibile calcolare le statistiche.\nLa colonna selezionata non contiene numeri."));
     }
 
     void floatColumnIsNumeric()
@@ -131,7 +133,8 @@ private slots:
     void missingTableIsADatabaseError()
     {
         QTemporaryDir dir;
-        auto s = computeStatistics({dir.path(), QStringLiteral("assente"), QString(), QStringLiteral("VAL"), QString()});
+        auto s =
+            computeStatistics({dir.path(), QStringLiteral("assente"), QString(), QStringLiteral("VAL"), QString()});
         QVERIFY(!s.ok());
         QCOMPARE(s.error().code == kStatErrorNotNumeric, false);
     }
@@ -188,7 +191,8 @@ private slots:
         QCOMPARE(values[0], QStringLiteral("3"));
         QCOMPARE(values[5], QStringLiteral("1,5"));
         QCOMPARE(statisticsRowNames().last(), QStringLiteral("deviazione std."));
-        QCOMPARE(statisticsCaption(QStringLiteral("Tabella commont")), QStringLiteral("Statistiche su TABELLA COMMONT"));
+        QCOMPARE(statisticsCaption(QStringLiteral("Tabella commont")),
+                 QStringLiteral("Statistiche su TABELLA COMMONT"));
     }
 };
 

@@ -1,5 +1,6 @@
 #include "data/ui/FrmGrafico.h"
 
+#include "data/AttributeTable.h"
 #include "data/ui/FrmGraficoCharts.h"
 #include "platform/Messages.h"
 
@@ -14,7 +15,8 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-namespace mervola {
+namespace mervola
+{
 
 FrmGrafico::FrmGrafico(ChartSeries series, ChartKind kind, bool threeD, QWidget *parent)
     : QDialog(parent), m_series(std::move(series)), m_kind(kind), m_threeD(threeD)
@@ -149,4 +151,18 @@ FrmGrafico *openChart(QWidget *parent, const DbfTable &table, const QString &fie
     return window;
 }
 
-}  // namespace mervola
+FrmGrafico *openChartFor(QWidget *parent, const DbfWindowState &state, const QString &field, int typeIndex, bool threeD)
+{
+    DbfFolder folder(state.folder);
+    auto table = folder.table(state.table);
+    if (!table) {
+        showMessage(MsgStyle::Critical, table.errorMessage());
+        return nullptr;
+    }
+    const QList<int> rows(state.selectedRecords.begin(), state.selectedRecords.end());
+    const int shown = int(state.visibleFields.indexOf(field));
+    const QString caption = shown >= 0 ? state.visibleCaptions.value(shown) : QString();
+    return openChart(parent, *table, field, caption, rows, typeIndex, threeD);
+}
+
+} // namespace mervola

@@ -3,11 +3,8 @@
 // selected in the attribute window, with the label format switch (Option1:
 // values or percentages) and the print preview (cmd_preview).
 //
-// Wiring from the attribute window's cmdGrafico (panel FrmGraficoPanel):
-//   openChart(this, table, panel->indicatorField(), panel->indicatorCaption(),
-//             selectedRowIndices, panel->typeIndex(), panel->isThreeD());
-// where `table` is the DbfTable shown (readDbf or DbfFolder::table) and the
-// row indices are positions in it, in selection order.
+// The attribute window checks the indicator and the number of selected rows,
+// then asks its host, which answers with openChartFor().
 
 #include "data/ChartData.h"
 
@@ -17,9 +14,11 @@ class QChartView;
 class QRadioButton;
 class QVBoxLayout;
 
-namespace mervola {
+namespace mervola
+{
 
-class FrmGrafico : public QDialog {
+class FrmGrafico : public QDialog
+{
     Q_OBJECT
 public:
     FrmGrafico(ChartSeries series, ChartKind kind, bool threeD, QWidget *parent = nullptr);
@@ -55,4 +54,10 @@ private:
 FrmGrafico *openChart(QWidget *parent, const DbfTable &table, const QString &field, const QString &caption,
                       const QList<int> &rows, int typeIndex, bool threeD);
 
-}  // namespace mervola
+struct DbfWindowState;
+// The same for the attribute window's state: its table and the records of
+// the selected rows; the indicator's caption is its column header.
+FrmGrafico *openChartFor(QWidget *parent, const DbfWindowState &state, const QString &field, int typeIndex,
+                         bool threeD);
+
+} // namespace mervola

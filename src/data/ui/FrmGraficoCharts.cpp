@@ -25,11 +25,16 @@
 #include <QtDataVisualization/QValue3DAxis>
 #endif
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
-QFont labelFont() { return QFont(QStringLiteral("Arial"), 8); }
+QFont labelFont()
+{
+    return QFont(QStringLiteral("Arial"), 8);
+}
 
 // Distinct colours for the elements of a pie (the theme's own are shades of one blue).
 const QList<QColor> &elementColours()
@@ -81,7 +86,7 @@ void addAxes(QChart *chart, QAbstractSeries *series, const ChartSeries &s, Label
     x->append(pointLabels(s, format));
     x->setLabelsFont(labelFont());
     if (s.points.size() > 2)
-        x->setLabelsAngle(-90);  // element names are long: upright they keep their whole text
+        x->setLabelsAngle(-90); // element names are long: upright they keep their whole text
     chart->addAxis(x, Qt::AlignBottom);
     series->attachAxis(x);
 }
@@ -163,7 +168,7 @@ QChart *pieChart(const ChartSeries &s, LabelFormat format)
     return chart;
 }
 
-}  // namespace
+} // namespace
 
 QChart *buildFlatChart(const ChartSeries &series, ChartKind kind, LabelFormat format)
 {
@@ -254,4 +259,4 @@ QWidget *buildSolidChart(const ChartSeries &s, ChartKind kind, LabelFormat forma
 #endif
 }
 
-}  // namespace mervola
+} // namespace mervola

@@ -7,7 +7,8 @@
 class QChart;
 class QWidget;
 
-namespace mervola {
+namespace mervola
+{
 
 // A flat chart of the series; labels joined "Label: value" in `format`.
 QChart *buildFlatChart(const ChartSeries &series, ChartKind kind, LabelFormat format);
@@ -20,4 +21,4 @@ bool solidChartsAvailable();
 // three-dimensional graphics are not available.
 QWidget *buildSolidChart(const ChartSeries &series, ChartKind kind, LabelFormat format, QWidget *parent);
 
-}  // namespace mervola
+} // namespace mervola

@@ -9,7 +9,8 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-namespace mervola {
+namespace mervola
+{
 
 FrmGraficoPanel::FrmGraficoPanel(QWidget *parent) : QGroupBox(parent)
 {
@@ -79,19 +80,34 @@ void FrmGraficoPanel::setIndicators(const QStringList &fields, const QStringList
     m_indicators->setCurrentIndex(-1);
 }
 
-void FrmGraficoPanel::setSelectedCount(int count) { m_count->setText(QString::number(count)); }
+void FrmGraficoPanel::setSelectedCount(int count)
+{
+    m_count->setText(QString::number(count));
+}
 
-QString FrmGraficoPanel::indicatorField() const { return m_indicators->currentData().toString(); }
+QString FrmGraficoPanel::indicatorField() const
+{
+    return m_indicators->currentData().toString();
+}
 
 QString FrmGraficoPanel::indicatorCaption() const
 {
     return m_indicators->currentIndex() < 0 ? QString() : m_indicators->currentText();
 }
 
-int FrmGraficoPanel::typeIndex() const { return m_types->currentIndex(); }
+int FrmGraficoPanel::typeIndex() const
+{
+    return m_types->currentIndex();
+}
 
-bool FrmGraficoPanel::isThreeD() const { return m_solid->isChecked(); }
+bool FrmGraficoPanel::isThreeD() const
+{
+    return m_solid->isChecked();
+}
 
-void FrmGraficoPanel::setThreeD(bool threeD) { (threeD ? m_solid : m_flat)->setChecked(true); }
+void FrmGraficoPanel::setThreeD(bool threeD)
+{
+    (threeD ? m_solid : m_flat)->setChecked(true);
+}
 
-}  // namespace mervola
+} // namespace mervola

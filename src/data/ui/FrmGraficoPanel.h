@@ -11,9 +11,11 @@ class QComboBox;
 class QLabel;
 class QRadioButton;
 
-namespace mervola {
+namespace mervola
+{
 
-class FrmGraficoPanel : public QGroupBox {
+class FrmGraficoPanel : public QGroupBox
+{
     Q_OBJECT
 public:
     explicit FrmGraficoPanel(QWidget *parent = nullptr);
@@ -22,11 +24,11 @@ public:
     void setIndicators(const QStringList &fields, const QStringList &captions = {});
     void setSelectedCount(int count);
 
-    QString indicatorField() const;    // empty when none is chosen
+    QString indicatorField() const; // empty when none is chosen
     QString indicatorCaption() const;
-    int typeIndex() const;             // cboTipo's index, -1 when none
+    int typeIndex() const; // cboTipo's index, -1 when none
     bool isThreeD() const;
-    void setThreeD(bool threeD);       // refills cboTipo
+    void setThreeD(bool threeD); // refills cboTipo
 
 signals:
     void chartRequested();
@@ -41,4 +43,4 @@ private:
     QLabel *m_count = nullptr;
 };
 
-}  // namespace mervola
+} // namespace mervola

@@ -1,6 +1,8 @@
 #include "data/ui/FrmStatistiche.h"
 
+#include "data/AttributeTable.h"
 #include "platform/Messages.h"
+#include "platform/dbf/DbfFolder.h"
 
 #include <QCoreApplication>
 #include <QHBoxLayout>
@@ -11,15 +13,20 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 constexpr int kNameColumnTwips = 1500;
 
-int twipsToPixels(const QWidget *w, int twips) { return twips * w->logicalDpiX() / 1440; }
+int twipsToPixels(const QWidget *w, int twips)
+{
+    return twips * w->logicalDpiX() / 1440;
+}
 
-}  // namespace
+} // namespace
 
 QColor statisticsGridColor()
 {
@@ -36,7 +43,7 @@ FrmStatistiche::FrmStatistiche(const ColumnStatistics &stats, const QString &tab
     m_grid = new QTableWidget(this);
     m_grid->setObjectName(QStringLiteral("flxgrdStat"));
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_grid->setFocusPolicy(Qt::NoFocus);  // the close button keeps the focus
+    m_grid->setFocusPolicy(Qt::NoFocus); // the close button keeps the focus
     m_grid->horizontalHeader()->hide();
     m_grid->verticalHeader()->hide();
     layout->addWidget(m_grid);
@@ -106,4 +113,22 @@ FrmStatistiche *openStatistics(QWidget *parent, const StatisticsRequest &request
     return window;
 }
 
-}  // namespace mervola
+FrmStatistiche *openStatisticsFor(QWidget *parent, const DbfWindowState &state)
+{
+    DbfFolder folder(state.folder);
+    auto table = folder.table(state.table);
+    if (!table) {
+        showMessage(MsgStyle::Critical, table.errorMessage());
+        return nullptr;
+    }
+    if (state.column < 0 || state.column >= table->columnCount()) {
+        showMessage(MsgStyle::Exclamation, StatText::kNoColumn);
+        return nullptr;
+    }
+    StatisticsRequest request{state.folder, state.table, state.filter, table->fields[state.column].name, QString()};
+    const int shown = int(state.visibleFields.indexOf(request.field));
+    request.caption = shown >= 0 ? state.visibleCaptions.value(shown, request.field) : request.field;
+    return openStatistics(parent, request, state.caption);
+}
+
+} // namespace mervola

@@ -3,9 +3,8 @@
 // two-column grid (statistic, value), and WaitForStat, the small progress
 // window shown while they are computed.
 //
-// Wiring from the attribute window's "statistiche" command:
-//   if (auto s = checkStatisticsAllowed(shownRecords, visibleFields); !s) -> information box s.errorMessage()
-//   else openStatistics(this, {folder, table, filter, field, headerCaption}, windowTitle());
+// The attribute window refuses too few records and tables without numbers
+// itself, then asks its host; the host answers with openStatisticsFor().
 
 #include "data/Statistics.h"
 
@@ -13,9 +12,11 @@
 
 class QTableWidget;
 
-namespace mervola {
+namespace mervola
+{
 
-class FrmStatistiche : public QDialog {
+class FrmStatistiche : public QDialog
+{
     Q_OBJECT
 public:
     FrmStatistiche(const ColumnStatistics &stats, const QString &tableWindowCaption, QWidget *parent = nullptr);
@@ -37,4 +38,9 @@ QColor statisticsGridColor();
 // deleted on close) and returned.
 FrmStatistiche *openStatistics(QWidget *parent, const StatisticsRequest &request, const QString &tableWindowCaption);
 
-}  // namespace mervola
+struct DbfWindowState;
+// The same for the attribute window's state: its table, filter, current
+// column (index into the table's fields) and that column's header caption.
+FrmStatistiche *openStatisticsFor(QWidget *parent, const DbfWindowState &state);
+
+} // namespace mervola

@@ -1,4 +1,5 @@
 // The statistics window, the chart panel and the chart window, offscreen.
+#include "data/AttributeTable.h"
 #include "data/ui/FrmGrafico.h"
 #include "data/ui/FrmGraficoPanel.h"
 #include "data/ui/FrmStatistiche.h"
@@ -16,7 +17,8 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
 DbfTable communities(int rows)
 {
@@ -39,9 +41,10 @@ QList<int> firstRows(int n)
     return out;
 }
 
-}  // namespace
+} // namespace
 
-class TestStatsWindow : public QObject {
+class TestStatsWindow : public QObject
+{
     Q_OBJECT
 private slots:
     void statisticsWindowShowsTheColumn()
@@ -49,10 +52,11 @@ private slots:
         QTemporaryDir dir;
         QVERIFY(writeDbf(dir.path() + QStringLiteral("/commont.dbf"), communities(4)).ok());
         MessageRecorder messages;
-        QPointer<FrmStatistiche> w = openStatistics(
-            nullptr, {dir.path(), QStringLiteral("commont"), QStringLiteral(" where [I001] > 1"), QStringLiteral("I001"),
-                      QStringLiteral("Superficie")},
-            QStringLiteral("Tabella commont"));
+        QPointer<FrmStatistiche> w =
+            openStatistics(nullptr,
+                           {dir.path(), QStringLiteral("commont"), QStringLiteral(" where [I001] > 1"),
+                            QStringLiteral("I001"), QStringLiteral("Superficie")},
+                           QStringLiteral("Tabella commont"));
         QVERIFY(w);
         QVERIFY(messages.entries().isEmpty());
         QCOMPARE(w->windowTitle(), QStringLiteral("Statistiche su TABELLA COMMONT"));
@@ -70,7 +74,38 @@ private slots:
         QCOMPARE(values, (QStringList{"3", "9", "2", "4", "2", "3", "1", "1"}));
         QCOMPARE(grid->item(0, 0)->background().color(), QColor(0xC0, 0xDC, 0xC0));
         QTest::mouseClick(w->findChild<QPushButton *>(QStringLiteral("cmdOk")), Qt::LeftButton);
-        QTRY_VERIFY(!w);  // deleted on close
+        QTRY_VERIFY(!w); // deleted on close
+    }
+
+    void attributeWindowStateOpensBothWindows()
+    {
+        QTemporaryDir dir;
+        QVERIFY(writeDbf(dir.path() + QStringLiteral("/commont.dbf"), communities(6)).ok());
+        DbfWindowState state;
+        state.folder = dir.path();
+        state.table = QStringLiteral("commont");
+        state.filter = QStringLiteral(" WHERE [I001] <= 3");
+        state.column = 2; // I001
+        state.caption = QStringLiteral("Tabella Comunità montane");
+        state.visibleFields = QStringList{"PROG_MONT", "Label", "I001"};
+        state.visibleCaptions = QStringList{"PROG_MONT", "Label", "Superficie"};
+        state.selectedRecords = {5, 1};
+        MessageRecorder messages;
+        std::unique_ptr<FrmStatistiche> stats(openStatisticsFor(nullptr, state));
+        QVERIFY(stats);
+        QCOMPARE(stats->windowTitle(), QStringLiteral("Statistiche su TABELLA COMUNITÀ MONTANE"));
+        QCOMPARE(stats->grid()->item(0, 1)->text(), QStringLiteral("3")); // the filter holds
+        QCOMPARE(stats->grid()->toolTip(), QStringLiteral("Superficie"));
+
+        std::unique_ptr<FrmGrafico> chart(openChartFor(nullptr, state, QStringLiteral("I001"), 0, false));
+        QVERIFY(chart);
+        QCOMPARE(chart->chartView()->chart()->title(), QStringLiteral("Superficie"));
+        QCOMPARE(chart->chartView()->chart()->series().size(), 1);
+        QVERIFY(messages.entries().isEmpty());
+
+        state.column = -1;
+        QVERIFY(!openStatisticsFor(nullptr, state));
+        QCOMPARE(messages.entries().size(), 1);
     }
 
     void textColumnIsRefusedWithTheExclamationBox()
@@ -79,7 +114,8 @@ private slots:
         QVERIFY(writeDbf(dir.path() + QStringLiteral("/commont.dbf"), communities(3)).ok());
         MessageRecorder messages;
         FrmStatistiche *w = openStatistics(
-            nullptr, {dir.path(), QStringLiteral("commont"), QString(), QStringLiteral("COD_REG"), QStringLiteral("COD_REG")},
+            nullptr,
+            {dir.path(), QStringLiteral("commont"), QString(), QStringLiteral("COD_REG"), QStringLiteral("COD_REG")},
             QStringLiteral("Tabella commont"));
         QVERIFY(!w);
         QCOMPARE(messages.entries().size(), 1);
@@ -106,8 +142,9 @@ private slots:
         QCOMPARE(types->count(), 5);
         QCOMPARE(panel.typeIndex(), 2);
 
-        panel.setIndicators({QStringLiteral("I001"), QStringLiteral("I002")}, {QStringLiteral("Superficie"), QString()});
-        QVERIFY(panel.indicatorField().isEmpty());  // nothing chosen yet
+        panel.setIndicators({QStringLiteral("I001"), QStringLiteral("I002")},
+                            {QStringLiteral("Superficie"), QString()});
+        QVERIFY(panel.indicatorField().isEmpty()); // nothing chosen yet
         panel.findChild<QComboBox *>(QStringLiteral("cbonumeric"))->setCurrentIndex(1);
         QCOMPARE(panel.indicatorField(), QStringLiteral("I002"));
         QCOMPARE(panel.indicatorCaption(), QStringLiteral("I002"));
@@ -148,8 +185,8 @@ private slots:
     void pieOfFiveSwitchesToPercentages()
     {
         MessageRecorder messages;
-        QPointer<FrmGrafico> w = openChart(nullptr, communities(12), QStringLiteral("I001"), QStringLiteral("Superficie"),
-                                           {4, 0, 1, 2, 3}, 4, false);
+        QPointer<FrmGrafico> w = openChart(nullptr, communities(12), QStringLiteral("I001"),
+                                           QStringLiteral("Superficie"), {4, 0, 1, 2, 3}, 4, false);
         QVERIFY(w);
         QVERIFY(w->windowTitle().startsWith(QStringLiteral("Mervola - ")));
         auto pieLabels = [&w] {
@@ -163,8 +200,8 @@ private slots:
         QCOMPARE(pieLabels().first(), QStringLiteral("Comunità 4: 5"));
         w->findChildren<QRadioButton *>(QStringLiteral("Option1")).at(1)->click();
         QCOMPARE(w->labelFormat(), LabelFormat::Percentages);
-        QCOMPARE(pieLabels().first(), QStringLiteral("Comunità 4: 33%"));  // 5 of 15
-        w->setLabelFormat(LabelFormat::Values);  // the option buttons follow
+        QCOMPARE(pieLabels().first(), QStringLiteral("Comunità 4: 33%")); // 5 of 15
+        w->setLabelFormat(LabelFormat::Values);                           // the option buttons follow
         QVERIFY(w->findChildren<QRadioButton *>(QStringLiteral("Option1")).at(0)->isChecked());
         QCOMPARE(pieLabels().first(), QStringLiteral("Comunità 4: 5"));
         w->close();
@@ -187,7 +224,8 @@ private slots:
         QFETCH(int, seriesType);
         QFETCH(int, seriesCount);
         MessageRecorder messages;
-        std::unique_ptr<FrmGrafico> w(openChart(nullptr, communities(12), QStringLiteral("I001"), QString(), firstRows(10), type, false));
+        std::unique_ptr<FrmGrafico> w(
+            openChart(nullptr, communities(12), QStringLiteral("I001"), QString(), firstRows(10), type, false));
         QVERIFY(w);
         const auto series = w->chartView()->chart()->series();
         QCOMPARE(series.size(), seriesCount);
@@ -197,9 +235,10 @@ private slots:
     void solidChartWithoutThreeDimensionsIsDrawnFlat()
     {
         MessageRecorder messages;
-        std::unique_ptr<FrmGrafico> w(openChart(nullptr, communities(3), QStringLiteral("I001"), QString(), firstRows(3), 0, true));
+        std::unique_ptr<FrmGrafico> w(
+            openChart(nullptr, communities(3), QStringLiteral("I001"), QString(), firstRows(3), 0, true));
         QVERIFY(w);
-        QCOMPARE(messages.entries().size(), 1);  // offscreen: no OpenGL
+        QCOMPARE(messages.entries().size(), 1); // offscreen: no OpenGL
         QCOMPARE(messages.entries()[0].text, ChartText::kNo3d);
         QVERIFY(!w->isThreeD());
         QVERIFY(w->chartView());
@@ -210,7 +249,8 @@ private slots:
         if (!QPrinterInfo::availablePrinters().isEmpty())
             QSKIP("a printer is installed here");
         MessageRecorder messages;
-        std::unique_ptr<FrmGrafico> w(openChart(nullptr, communities(3), QStringLiteral("I001"), QString(), firstRows(3), 0, false));
+        std::unique_ptr<FrmGrafico> w(
+            openChart(nullptr, communities(3), QStringLiteral("I001"), QString(), firstRows(3), 0, false));
         QTest::mouseClick(w->findChild<QPushButton *>(QStringLiteral("cmd_preview")), Qt::LeftButton);
         QVERIFY(messages.contains(ChartText::kNoPrinter));
     }
