@@ -1,6 +1,8 @@
 #include "data/ui/FrmDbf.h"
 
 #include "data/AttributeTableTexts.h"
+#include "data/ui/FrmGrafico.h"
+#include "data/ui/FrmStatistiche.h"
 #include "data/ui/QueryDbf.h"
 #include "platform/Messages.h"
 
@@ -27,10 +29,14 @@
 
 namespace mervola {
 
-void AttributeTableHost::openStatistics(const DbfWindowState &) { showMessage(MsgStyle::Information, texts::kNotAvailable); }
-void AttributeTableHost::openChart(const DbfWindowState &, const QString &, int, bool)
+void AttributeTableHost::openStatistics(QWidget *parent, const DbfWindowState &state)
 {
-    showMessage(MsgStyle::Information, texts::kNotAvailable);
+    openStatisticsFor(parent, state);
+}
+void AttributeTableHost::openChart(QWidget *parent, const DbfWindowState &state, const QString &field, int typeIndex,
+                                   bool threeD)
+{
+    openChartFor(parent, state, field, typeIndex, threeD);
 }
 void AttributeTableHost::printTable(const DbfWindowState &) { showMessage(MsgStyle::Information, texts::kNotAvailable); }
 void AttributeTableHost::openJoin(const QString &) { showMessage(MsgStyle::Information, texts::kNotAvailable); }
@@ -366,7 +372,7 @@ void FrmDbf::statistics()
         showMessage(MsgStyle::Information, texts::kNoStatistics + QLatin1Char('\n') + texts::kNoNumericData);
         return;
     }
-    m_host.openStatistics(windowState());
+    m_host.openStatistics(this, windowState());
 }
 
 void FrmDbf::print()
@@ -421,7 +427,7 @@ void FrmDbf::showChart()
         showMessage(MsgStyle::Information, texts::kNoneSelected);
         return;
     }
-    m_host.openChart(windowState(), m_numeric->currentData().toString(), m_chartType->currentIndex(),
+    m_host.openChart(this, windowState(), m_numeric->currentData().toString(), m_chartType->currentIndex(),
                      m_dimension->checkedId() == 0);
 }
 

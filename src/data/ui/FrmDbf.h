@@ -44,9 +44,12 @@ public:
                            const QStringList &keyValues) = 0;
     // The window closed: enable the "dbf" button again, raise the main window.
     virtual void attributeWindowClosed() = 0;
-    // Windows opened from the table; by default they say they are not available.
-    virtual void openStatistics(const DbfWindowState &state);
-    virtual void openChart(const DbfWindowState &state, const QString &indicatorField, int typeIndex, bool threeD);
+    // Windows opened from the table, over the table window `parent`: by
+    // default the statistics and chart windows; printing and the join say
+    // they are not available yet.
+    virtual void openStatistics(QWidget *parent, const DbfWindowState &state);
+    virtual void openChart(QWidget *parent, const DbfWindowState &state, const QString &indicatorField, int typeIndex,
+                           bool threeD);
     virtual void printTable(const DbfWindowState &state);
     virtual void openJoin(const QString &layerName);
 };

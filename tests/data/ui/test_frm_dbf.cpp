@@ -27,13 +27,20 @@ struct Host : AttributeTableHost {
     QStringList keys;
     int closed = 0;
     int charts = 0;
+    int statistics = 0;
     void showOnMap(const QString &, const QString &c, const QString &, const QStringList &k) override
     {
         condition = c;
         keys = k;
     }
     void attributeWindowClosed() override { ++closed; }
-    void openChart(const DbfWindowState &, const QString &, int, bool) override { ++charts; }
+    void openChart(QWidget *, const DbfWindowState &, const QString &, int, bool) override { ++charts; }
+    void openStatistics(QWidget *, const DbfWindowState &state) override
+    {
+        ++statistics;
+        column = state.column;
+    }
+    int column = -1;
 };
 
 // An atlas home with a 12-row community table (Label, DUMMY, I010) and a catalog naming I010.
@@ -208,7 +215,8 @@ private slots:
         selectRows(w, {0});
         w.grid()->horizontalHeader()->sectionClicked(3);
         w.runCommand(QStringLiteral("statistiche"));
-        QCOMPARE(rec.entries().last().text, texts::kNotAvailable);  // passed on to the statistics window
+        QCOMPARE(host.statistics, 1);  // passed on to the statistics window
+        QCOMPARE(host.column, 3);
         QCOMPARE(runTableQuery(*w.table(), QStringLiteral("[I010] = 100")), QueryOutcome::Found);
         w.runCommand(QStringLiteral("statistiche"));
         QCOMPARE(rec.entries().last().text, texts::kTooFewRecords);
