@@ -185,6 +185,13 @@ private slots:
         QCOMPARE(joined->rows[1][3].toString(), QStringLiteral("foo0"));
         auto listed = fx.db.query(QStringLiteral("Select NOMETABELLA from LISTAJOIN"));
         QCOMPARE(listed->value(0, QStringLiteral("NOMETABELLA")).toString(), QStringLiteral("Table2"));
+
+        // Text of a Jet 4 file comes back as Unicode.
+        auto unicode = readAccessTable(atlasSourceDir() + QStringLiteral("/fixtures/testUnicodeCompV2003.mdb"),
+                                       QStringLiteral("Table"));
+        QVERIFY(unicode.ok());
+        QCOMPARE(unicode->table.rows[1][1].toString(), QStringLiteral("ääkkösiä"));
+        QCOMPARE(unicode->table.rows[2][1].toString(), QStringLiteral("Мир"));
     }
 };
 
