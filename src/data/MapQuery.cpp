@@ -8,24 +8,32 @@
 
 #include <QFileInfo>
 
-namespace mervola {
+namespace mervola
+{
 
 QString querytext::manyFoundMessage(int count)
 {
-    return QStringLiteral("La query ha trovato ") + QString::number(count)
-           + QStringLiteral(" valori. Poiché non è possibile evidenziarli sulla mappa contemporaneamente, è "
-                            "necessario selezionarne uno.");
+    return QStringLiteral("La query ha trovato ") + QString::number(count) +
+           QStringLiteral(" valori. Poiché non è possibile evidenziarli sulla mappa contemporaneamente, è "
+                          "necessario selezionarne uno.");
 }
 
-QString queryTableFolder(const QString &shapePath) { return QFileInfo(shapePath).absolutePath(); }
+QString queryTableFolder(const QString &shapePath)
+{
+    return QFileInfo(shapePath).absolutePath();
+}
 
-QString queryTableName(const QString &shapePath) { return QFileInfo(shapePath).completeBaseName(); }
+QString queryTableName(const QString &shapePath)
+{
+    return QFileInfo(shapePath).completeBaseName();
+}
 
 const QStringList &queryOperators()
 {
-    static const QStringList ops{QStringLiteral("="),  QStringLiteral("<>"), QStringLiteral("and"), QStringLiteral(">"),
-                                 QStringLiteral(">="), QStringLiteral("or"), QStringLiteral("<"),   QStringLiteral("<="),
-                                 QStringLiteral("not"), QStringLiteral("("), QStringLiteral(")")};
+    static const QStringList ops{QStringLiteral("="), QStringLiteral("<>"), QStringLiteral("and"),
+                                 QStringLiteral(">"), QStringLiteral(">="), QStringLiteral("or"),
+                                 QStringLiteral("<"), QStringLiteral("<="), QStringLiteral("not"),
+                                 QStringLiteral("("), QStringLiteral(")")};
     return ops;
 }
 
@@ -37,7 +45,10 @@ QString operatorInsertion(int index)
     return QLatin1Char(' ') + ops.at(index) + QLatin1Char(' ');
 }
 
-QString fieldInsertion(const QString &field) { return QLatin1Char('[') + field + QLatin1Char(']'); }
+QString fieldInsertion(const QString &field)
+{
+    return QLatin1Char('[') + field + QLatin1Char(']');
+}
 
 QString valueInsertion(const QString &value, bool textField)
 {
@@ -64,11 +75,14 @@ bool isBareNumber(const QString &condition)
 
 QString mapQueryStatement(const QString &table, const QString &condition)
 {
-    return QStringLiteral("Select LABEL ") + QStringLiteral(" from ") + table + QStringLiteral(" Where (") + condition
-           + QStringLiteral(")");
+    return QStringLiteral("Select LABEL ") + QStringLiteral(" from ") + table + QStringLiteral(" Where (") + condition +
+           QStringLiteral(")");
 }
 
-QString singleResultExpression(const QString &label) { return QStringLiteral("LABEL = ") + sqlQuote(label); }
+QString singleResultExpression(const QString &label)
+{
+    return QStringLiteral("LABEL = ") + sqlQuote(label);
+}
 
 QString chosenResultExpression(const QString &value)
 {
@@ -92,7 +106,7 @@ Result<MapQueryResult> runMapQuery(DbfFolder &folder, const QString &table, cons
     for (const auto &row : rows->rows)
         if (!row.empty() && !row.front().isNull())
             r.labels << row.front().toString();
-    r.kind = r.count == 0 ? MapQueryResult::Kind::None
+    r.kind = r.count == 0   ? MapQueryResult::Kind::None
              : r.count == 1 ? MapQueryResult::Kind::One
                             : MapQueryResult::Kind::Many;
     return r;
@@ -121,4 +135,4 @@ Result<QStringList> mapQueryValues(DbfFolder &folder, const QString &table, cons
     return values;
 }
 
-}  // namespace mervola
+} // namespace mervola

@@ -8,11 +8,13 @@
 
 #include <QStringList>
 
-namespace mervola {
+namespace mervola
+{
 
 class DbfFolder;
 
-namespace querytext {
+namespace querytext
+{
 inline const QString kCaption = QStringLiteral("Query builder");
 inline const QString kFieldsCaption = QStringLiteral("Campi:");
 inline const QString kValuesCaption = QStringLiteral("Valori:");
@@ -22,13 +24,14 @@ inline const QString kRun = QStringLiteral("Esegui query");
 inline const QString kFind = QStringLiteral("Trova su mappa");
 inline const QString kClear = QStringLiteral("Annulla query");
 inline const QString kChooseField = QStringLiteral("E' necessario selezionare un campo dalla lista!");
-inline const QString kNothingFound = QStringLiteral("La query non ha trovato nessun valore soddisfacente le condizioni!");
+inline const QString kNothingFound =
+    QStringLiteral("La query non ha trovato nessun valore soddisfacente le condizioni!");
 inline const QString kNoElement = QStringLiteral("Non è stato trovato alcun elemento");
 inline const QString kSyntaxError = QStringLiteral("Errore di sintassi nella query");
 inline const QString kNothingChosen = QStringLiteral("Non è stato selezionato nessun elemento.");
 // "La query ha trovato " + count + " valori. Poiché ..."
 QString manyFoundMessage(int count);
-}  // namespace querytext
+} // namespace querytext
 
 // A theme the builder can query: its map name, the name shown in the list
 // and its shapefile (the table is the .dbf beside it).
@@ -70,8 +73,8 @@ QString chosenResultExpression(const QString &value);
 struct MapQueryResult {
     enum class Kind { None, One, Many };
     Kind kind = Kind::None;
-    int count = 0;        // records found
-    QStringList labels;   // non-null LABEL values, in table order
+    int count = 0;      // records found
+    QStringList labels; // non-null LABEL values, in table order
 };
 
 // Runs the condition on `table` of `folder`. Any error of the statement
@@ -91,10 +94,11 @@ Result<QStringList> mapQueryValues(DbfFolder &folder, const QString &table, cons
 // The map side of the builder: the main window selects the elements of
 // `theme` matching `expression`, highlights them and zooms to them.
 // Returns false when nothing matched.
-class MapSelectionHost {
+class MapSelectionHost
+{
 public:
     virtual ~MapSelectionHost() = default;
     virtual bool selectAndZoom(const QString &theme, const QString &expression) = 0;
 };
 
-}  // namespace mervola
+} // namespace mervola

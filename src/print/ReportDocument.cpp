@@ -16,17 +16,22 @@
 #include <cmath>
 #include <numeric>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 constexpr double kTwipsPerInch = 1440;
-constexpr double kCellPad = 60;     // twips either side of a cell's text
-constexpr double kMinColumn = 600;  // narrowest column, twips
+constexpr double kCellPad = 60;    // twips either side of a cell's text
+constexpr double kMinColumn = 600; // narrowest column, twips
 
-bool isTrue(const QString &v) { return v.compare(QLatin1String("True"), Qt::CaseInsensitive) == 0 || v == QLatin1String("-1"); }
+bool isTrue(const QString &v)
+{
+    return v.compare(QLatin1String("True"), Qt::CaseInsensitive) == 0 || v == QLatin1String("-1");
+}
 
-}  // namespace
+} // namespace
 
 ReportStyle ReportDefinition::style(const QString &name) const
 {
@@ -53,7 +58,7 @@ Result<ReportDefinition> parseReportDefinition(const QString &text)
         const QString key = raw.left(eq).trimmed();
         QString value = raw.mid(eq + 1);
         if (value.startsWith(QLatin1Char(' ')))
-            value.remove(0, 1);  // the blank of " = "; the footer keeps its own leading blank
+            value.remove(0, 1); // the blank of " = "; the footer keeps its own leading blank
         const QString s = section.toLower();
         if (s == QLatin1String("recordsource")) {
             if (key.compare(QLatin1String("DataBaseName"), Qt::CaseInsensitive) == 0)
@@ -62,26 +67,40 @@ Result<ReportDefinition> parseReportDefinition(const QString &text)
                 d.recordSource = value;
         } else if (s == QLatin1String("globalinfo")) {
             const QString k = key.toLower();
-            if (k == QLatin1String("reporttitle")) d.title = value;
-            else if (k == QLatin1String("header")) d.header = value;
-            else if (k == QLatin1String("footer")) d.footer = value;
-            else if (k == QLatin1String("top")) d.top = value.toInt();
-            else if (k == QLatin1String("bottom")) d.bottom = value.toInt();
-            else if (k == QLatin1String("left")) d.left = value.toInt();
-            else if (k == QLatin1String("right")) d.right = value.toInt();
-            else if (k == QLatin1String("wordwrap")) d.wordWrap = isTrue(value);
-            else if (k == QLatin1String("maxheight")) d.maxHeight = value.toInt();
+            if (k == QLatin1String("reporttitle"))
+                d.title = value;
+            else if (k == QLatin1String("header"))
+                d.header = value;
+            else if (k == QLatin1String("footer"))
+                d.footer = value;
+            else if (k == QLatin1String("top"))
+                d.top = value.toInt();
+            else if (k == QLatin1String("bottom"))
+                d.bottom = value.toInt();
+            else if (k == QLatin1String("left"))
+                d.left = value.toInt();
+            else if (k == QLatin1String("right"))
+                d.right = value.toInt();
+            else if (k == QLatin1String("wordwrap"))
+                d.wordWrap = isTrue(value);
+            else if (k == QLatin1String("maxheight"))
+                d.maxHeight = value.toInt();
             else if (k == QLatin1String("orientation"))
-                d.orientation = value.trimmed() == QLatin1String("1") ? ReportOrientation::Landscape : ReportOrientation::Portrait;
+                d.orientation =
+                    value.trimmed() == QLatin1String("1") ? ReportOrientation::Landscape : ReportOrientation::Portrait;
         } else if (s.startsWith(QLatin1String("style "))) {
             ReportStyle &st = d.styles[s.mid(6).trimmed()];
             const QString k = key.toLower();
-            if (k == QLatin1String("font")) st.font = value.trimmed();
-            else if (k == QLatin1String("size")) st.size = std::clamp(value.toDouble(), 4.0, 72.0);
-            else if (k == QLatin1String("bold")) st.bold = isTrue(value);
-            else if (k == QLatin1String("italic")) st.italic = isTrue(value);
+            if (k == QLatin1String("font"))
+                st.font = value.trimmed();
+            else if (k == QLatin1String("size"))
+                st.size = std::clamp(value.toDouble(), 4.0, 72.0);
+            else if (k == QLatin1String("bold"))
+                st.bold = isTrue(value);
+            else if (k == QLatin1String("italic"))
+                st.italic = isTrue(value);
             else if (k == QLatin1String("backcolor")) {
-                const long c = value.toLong();  // red + 256 green + 65536 blue
+                const long c = value.toLong(); // red + 256 green + 65536 blue
                 st.back = QColor(int(c & 0xff), int((c >> 8) & 0xff), int((c >> 16) & 0xff));
             }
         } else if (s.startsWith(QLatin1String("field "))) {
@@ -145,8 +164,8 @@ Result<ReportDocument> ReportDocument::load(const AtlasHome &home)
         QStringList cols;
         for (const QString &f : def->detail)
             cols << sqlIdentifier(f);
-        auto rs = db->query(QStringLiteral("SELECT ") + cols.join(QStringLiteral(", ")) + QStringLiteral(" FROM ")
-                            + sqlIdentifier(def->recordSource));
+        auto rs = db->query(QStringLiteral("SELECT ") + cols.join(QStringLiteral(", ")) + QStringLiteral(" FROM ") +
+                            sqlIdentifier(def->recordSource));
         if (!rs)
             return rs.error();
         rows.reserve(rs->size());
@@ -164,7 +183,8 @@ QSizeF ReportDocument::pageSizeTwips() const
 {
     const double shortSide = std::min(m_paper.width(), m_paper.height());
     const double longSide = std::max(m_paper.width(), m_paper.height());
-    return m_def.orientation == ReportOrientation::Landscape ? QSizeF(longSide, shortSide) : QSizeF(shortSide, longSide);
+    return m_def.orientation == ReportOrientation::Landscape ? QSizeF(longSide, shortSide)
+                                                             : QSizeF(shortSide, longSide);
 }
 
 QRectF ReportDocument::bodyRect() const
@@ -178,7 +198,7 @@ QFont ReportDocument::fontFor(const QString &styleName) const
 {
     const ReportStyle s = m_def.style(styleName);
     QFont f(s.font);
-    f.setPixelSize(std::max(1, int(std::lround(s.size * 20))));  // points -> twips
+    f.setPixelSize(std::max(1, int(std::lround(s.size * 20)))); // points -> twips
     f.setBold(s.bold);
     f.setItalic(s.italic);
     return f;
@@ -267,7 +287,8 @@ void ReportDocument::paintPage(QPainter &p, int pageIndex) const
     const Page &page = m_pages[size_t(pageIndex)];
     const QRectF body = bodyRect();
     const QSizeF paper = pageSizeTwips();
-    ReportContext ctx{QFileInfo(m_def.databaseName).fileName(), m_def.recordSource, pageIndex + 1, int(m_pages.size()), m_when};
+    ReportContext ctx{QFileInfo(m_def.databaseName).fileName(), m_def.recordSource, pageIndex + 1, int(m_pages.size()),
+                      m_when};
     p.save();
     p.setPen(Qt::black);
 
@@ -283,7 +304,8 @@ void ReportDocument::paintPage(QPainter &p, int pageIndex) const
     const QFont footFont = fontFor(QStringLiteral("Footer"));
     const QFont pageHeadFont = fontFor(QStringLiteral("Detail"));
     band(m_def.header, pageHeadFont, std::max(0.0, body.top() - 2 * QFontMetricsF(pageHeadFont).height()));
-    band(m_def.footer, footFont, std::min(paper.height() - QFontMetricsF(footFont).height(), body.bottom() + QFontMetricsF(footFont).height()));
+    band(m_def.footer, footFont,
+         std::min(paper.height() - QFontMetricsF(footFont).height(), body.bottom() + QFontMetricsF(footFont).height()));
 
     double y = body.top();
     if (pageIndex == 0) {
@@ -386,4 +408,4 @@ Status ReportDocument::writePdf(const QString &path) const
     return {};
 }
 
-}  // namespace mervola
+} // namespace mervola

@@ -17,29 +17,30 @@
 class QPainter;
 class QPagedPaintDevice;
 
-namespace mervola {
+namespace mervola
+{
 
 struct ReportStyle {
     QString font = QStringLiteral("Arial");
     double size = 9;
     bool bold = false;
     bool italic = false;
-    QColor back;  // invalid = no fill
+    QColor back; // invalid = no fill
 };
 
 struct ReportDefinition {
     QString databaseName;
     QString recordSource;
     QString title;
-    QString header;  // "left|centre|right"
+    QString header; // "left|centre|right"
     QString footer;
-    int top = 1440, bottom = 1440, left = 1440, right = 720;  // twips
+    int top = 1440, bottom = 1440, left = 1440, right = 720; // twips
     bool wordWrap = true;
-    int maxHeight = 2880;  // tallest row, twips
+    int maxHeight = 2880; // tallest row, twips
     ReportOrientation orientation = ReportOrientation::Portrait;
-    QList<ReportColumn> fields;  // [Field i]: ID and Title
-    QStringList detail;          // [Detail]: Field1 ... FieldN
-    QMap<QString, ReportStyle> styles;  // "[Style X]" sections by X, lower case
+    QList<ReportColumn> fields;        // [Field i]: ID and Title
+    QStringList detail;                // [Detail]: Field1 ... FieldN
+    QMap<QString, ReportStyle> styles; // "[Style X]" sections by X, lower case
 
     ReportStyle style(const QString &name) const;
 };
@@ -49,15 +50,16 @@ Result<ReportDefinition> loadReportDefinition(const QString &path);
 
 // What the placeholders stand for on one page.
 struct ReportContext {
-    QString database;  // <db>
-    QString recordSource;  // <rs>
-    int page = 1;      // <p>
-    int pageCount = 1; // <n>
-    QDateTime when;    // <tt> time, <ddd> long date
+    QString database;     // <db>
+    QString recordSource; // <rs>
+    int page = 1;         // <p>
+    int pageCount = 1;    // <n>
+    QDateTime when;       // <tt> time, <ddd> long date
 };
 QString substitutePlaceholders(const QString &text, const ReportContext &context);
 
-class ReportDocument {
+class ReportDocument
+{
 public:
     ReportDocument() = default;
     ReportDocument(ReportDefinition definition, std::vector<QStringList> rows,
@@ -70,7 +72,11 @@ public:
     const std::vector<QStringList> &rows() const { return m_rows; }
 
     // Page size in twips (A4 unless set), turned by the orientation.
-    void setPaperSize(QSizeF twips) { m_paper = twips; m_pages.clear(); }
+    void setPaperSize(QSizeF twips)
+    {
+        m_paper = twips;
+        m_pages.clear();
+    }
     QSizeF pageSizeTwips() const;
 
     int pageCount() const;
@@ -96,11 +102,11 @@ private:
     ReportDefinition m_def;
     std::vector<QStringList> m_rows;
     QDateTime m_when;
-    QSizeF m_paper{11906, 16838};  // A4
+    QSizeF m_paper{11906, 16838}; // A4
     mutable std::vector<Page> m_pages;
-    mutable std::vector<double> m_widths;   // column widths, twips
-    mutable std::vector<double> m_heights;  // row heights, twips
+    mutable std::vector<double> m_widths;  // column widths, twips
+    mutable std::vector<double> m_heights; // row heights, twips
     mutable double m_titleHeight = 0;
 };
 
-}  // namespace mervola
+} // namespace mervola

@@ -11,16 +11,21 @@
 #include <QStringConverter>
 #include <QTextStream>
 
-namespace mervola {
+namespace mervola
+{
 
 QString reporttext::pageIndicator(int page, int pageCount)
 {
     return QString::number(page) + QStringLiteral(" di ") + QString::number(pageCount);
 }
 
-namespace {
+namespace
+{
 
-QString line(const QString &key, const QString &value) { return key + QStringLiteral(" = ") + value; }
+QString line(const QString &key, const QString &value)
+{
+    return key + QStringLiteral(" = ") + value;
+}
 
 Status writeLines(const QString &path, const QStringList &lines)
 {
@@ -48,36 +53,43 @@ Status swapInto(const QString &fresh, const QString &target)
     return {};
 }
 
-QString bracket(const QString &name) { return QLatin1Char('[') + name + QLatin1Char(']'); }
+QString bracket(const QString &name)
+{
+    return QLatin1Char('[') + name + QLatin1Char(']');
+}
 
-}  // namespace
+} // namespace
 
 QStringList reportDefinitionLines(const QString &databasePath, const QList<ReportColumn> &columns,
                                   const QStringList &styleLines)
 {
     const QString n = QString::number(columns.size());
     QStringList l;
-    l << QStringLiteral("[General]") << line(QStringLiteral("Version"), QStringLiteral("VideoSoft Data Reporter (VB5/DAO) (6.0.1)"))
-      << QString();
+    l << QStringLiteral("[General]")
+      << line(QStringLiteral("Version"), QStringLiteral("VideoSoft Data Reporter (VB5/DAO) (6.0.1)")) << QString();
     l << QStringLiteral("[RecordSource]") << line(QStringLiteral("DataBaseName"), databasePath)
       << line(QStringLiteral("RecordSource"), kReportTable) << QString();
     l << QStringLiteral("[GlobalInfo]") << line(QStringLiteral("ReportTitle"), QStringLiteral("Mervola"))
       << line(QStringLiteral("Align"), QStringLiteral("0"))
       << line(QStringLiteral("Header"), QStringLiteral("<db>|<rs>|Page <p> of <n>"))
-      << line(QStringLiteral("Footer"), QStringLiteral(" | |<tt>, <ddd>")) << line(QStringLiteral("Columns"), QStringLiteral("1"))
+      << line(QStringLiteral("Footer"), QStringLiteral(" | |<tt>, <ddd>"))
+      << line(QStringLiteral("Columns"), QStringLiteral("1"))
       << line(QStringLiteral("PageBorders"), QStringLiteral("0")) << line(QStringLiteral("Top"), QStringLiteral("1440"))
       << line(QStringLiteral("Bottom"), QStringLiteral("1440")) << line(QStringLiteral("Left"), QStringLiteral("1440"))
-      << line(QStringLiteral("Right"), QStringLiteral("720")) << line(QStringLiteral("SubtotalPosition"), QStringLiteral("0"))
-      << line(QStringLiteral("WordWrap"), QStringLiteral("True")) << line(QStringLiteral("WidowOK"), QStringLiteral("False"))
-      << line(QStringLiteral("MaxHeight"), QStringLiteral("2880")) << line(QStringLiteral("Orientation"), QStringLiteral("0"));
+      << line(QStringLiteral("Right"), QStringLiteral("720"))
+      << line(QStringLiteral("SubtotalPosition"), QStringLiteral("0"))
+      << line(QStringLiteral("WordWrap"), QStringLiteral("True"))
+      << line(QStringLiteral("WidowOK"), QStringLiteral("False"))
+      << line(QStringLiteral("MaxHeight"), QStringLiteral("2880"))
+      << line(QStringLiteral("Orientation"), QStringLiteral("0"));
     l << styleLines << QString();
     l << QStringLiteral("[Fields]") << line(QStringLiteral("Count"), n) << QString();
     for (int i = 0; i < columns.size(); ++i) {
         l << QStringLiteral("[Field %1]").arg(i + 1) << line(QStringLiteral("ID"), columns[i].field)
           << line(QStringLiteral("Title"), columns[i].title) << line(QStringLiteral("Sort"), QStringLiteral("1"))
           << line(QStringLiteral("Align"), QStringLiteral("0")) << QStringLiteral("Format =")
-          << line(QStringLiteral("Aggregate"), QStringLiteral("0")) << line(QStringLiteral("Width"), QStringLiteral("0"))
-          << QString();
+          << line(QStringLiteral("Aggregate"), QStringLiteral("0"))
+          << line(QStringLiteral("Width"), QStringLiteral("0")) << QString();
     }
     l << QStringLiteral("[Headers]") << line(QStringLiteral("Count"), QStringLiteral("0")) << QString();
     l << QStringLiteral("[Detail]") << line(QStringLiteral("Count"), n);
@@ -135,7 +147,7 @@ Result<RowSet> readReportRows(DbfFolder &folder, const QString &table, const QSt
     QString list;
     for (const QString &f : fields)
         list += QLatin1Char(',') + bracket(f);
-    list = list.mid(1);  // the leading comma
+    list = list.mid(1); // the leading comma
     if (list.isEmpty())
         list = QStringLiteral("*");
     QString sql = QStringLiteral("Select ") + list + QStringLiteral(" from ") + bracket(table);
@@ -158,8 +170,8 @@ QString tempRptInsertStatement(const QStringList &fields, const std::vector<QVar
         const QVariant v = size_t(i) < row.size() ? row[size_t(i)] : QVariant();
         values << (v.isNull() ? QStringLiteral("'-'") : sqlQuote(v.toString()));
     }
-    return QStringLiteral("Insert into TempRpt (") + names.join(QLatin1Char(',')) + QStringLiteral(") Values (")
-           + values.join(QLatin1Char(',')) + QStringLiteral(");");
+    return QStringLiteral("Insert into TempRpt (") + names.join(QLatin1Char(',')) + QStringLiteral(") Values (") +
+           values.join(QLatin1Char(',')) + QStringLiteral(");");
 }
 
 Status fillTempRpt(const ReferenceDb &db, const QStringList &fields, const RowSet &rows)
@@ -168,9 +180,10 @@ Status fillTempRpt(const ReferenceDb &db, const QStringList &fields, const RowSe
     for (const QString &f : fields)
         columns << bracket(f) + QStringLiteral(" TEXT");
     if (columns.isEmpty())
-        columns << QStringLiteral("DUMMY TEXT");  // a table needs one column; DUMMY is never printed
-    QStringList statements{QStringLiteral("DROP TABLE IF EXISTS TempRpt"),
-                           QStringLiteral("CREATE TABLE TempRpt (") + columns.join(QStringLiteral(", ")) + QLatin1Char(')')};
+        columns << QStringLiteral("DUMMY TEXT"); // a table needs one column; DUMMY is never printed
+    QStringList statements{QStringLiteral("DROP TABLE IF EXISTS TempRpt"), QStringLiteral("CREATE TABLE TempRpt (") +
+                                                                               columns.join(QStringLiteral(", ")) +
+                                                                               QLatin1Char(')')};
     if (!fields.isEmpty())
         for (const auto &r : rows.rows)
             statements << tempRptInsertStatement(fields, r);
@@ -193,4 +206,4 @@ Status prepareTableReport(const AtlasHome &home, DbfFolder &folder, const QStrin
     return writeReportDefinition(home, columns);
 }
 
-}  // namespace mervola
+} // namespace mervola

@@ -10,14 +10,17 @@
 
 #include <QStringList>
 
-namespace mervola {
+namespace mervola
+{
 
 class DbfFolder;
 class ReferenceDb;
 
-namespace reporttext {
+namespace reporttext
+{
 inline const QString kPreviewCaption = QStringLiteral("Anteprima di stampa tabella");
-inline const QString kCloseReferenceDb = QStringLiteral("Per continuare è necessario chiudere il database di appoggio.");
+inline const QString kCloseReferenceDb =
+    QStringLiteral("Per continuare è necessario chiudere il database di appoggio.");
 inline const QString kSetup = QStringLiteral("Setup stampante");
 inline const QString kPrint = QStringLiteral("Stampa");
 inline const QString kExit = QStringLiteral("Uscita");
@@ -27,7 +30,7 @@ inline const QString kWriteFailed = QStringLiteral("Impossibile scrivere la defi
 inline const QString kNoDefinition = QStringLiteral("Definizione della stampa non trovata: %1");
 // page number + " di " + page count
 QString pageIndicator(int page, int pageCount);
-}  // namespace reporttext
+} // namespace reporttext
 
 inline const QString kReportTable = QStringLiteral("TempRpt");
 
@@ -77,4 +80,4 @@ Status fillTempRpt(const ReferenceDb &db, const QStringList &fields, const RowSe
 Status prepareTableReport(const AtlasHome &home, DbfFolder &folder, const QString &table,
                           const QList<ReportColumn> &columns, const QString &filter = {});
 
-}  // namespace mervola
+} // namespace mervola

@@ -7,7 +7,8 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
 // A small municipality table: names (one with an apostrophe, one null) and a decimal indicator.
 void writeComuni(const QString &dir)
@@ -21,9 +22,10 @@ void writeComuni(const QString &dir)
     QVERIFY(writeDbf(dir + QStringLiteral("/comuni.dbf"), t).ok());
 }
 
-}  // namespace
+} // namespace
 
-class TestMapQuery : public QObject {
+class TestMapQuery : public QObject
+{
     Q_OBJECT
 private slots:
     void results_data()
@@ -55,7 +57,7 @@ private slots:
         QVERIFY2(r.ok(), qPrintable(r.errorMessage()));
         QCOMPARE(int(r->kind), kind);
         QCOMPARE(r->count, count);
-        QCOMPARE(r->labels, labels);  // the null name is counted, never listed
+        QCOMPARE(r->labels, labels); // the null name is counted, never listed
     }
 
     void syntaxErrors_data()
@@ -94,7 +96,8 @@ private slots:
     {
         QTest::addColumn<QString>("value");
         QTest::addColumn<QString>("chosen");
-        QTest::newRow("apostrophe") << QStringLiteral("Sant'Elia a Pianisi") << QStringLiteral("Label = 'Sant''Elia a Pianisi'");
+        QTest::newRow("apostrophe") << QStringLiteral("Sant'Elia a Pianisi")
+                                    << QStringLiteral("Label = 'Sant''Elia a Pianisi'");
         QTest::newRow("suffix cut") << QStringLiteral("Bard (AO)") << QStringLiteral("Label = 'Bard'");
         QTest::newRow("numeric") << QStringLiteral("12") << QStringLiteral("Label = 12");
     }

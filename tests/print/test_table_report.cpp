@@ -13,7 +13,8 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
 // An atlas home with the reference database, a style file and a municipality table.
 struct Home {
@@ -48,26 +49,61 @@ QList<ReportColumn> columns(int n)
     return all.mid(0, n);
 }
 
-}  // namespace
+} // namespace
 
-class TestTableReport : public QObject {
+class TestTableReport : public QObject
+{
     Q_OBJECT
 private slots:
     void definitionIsWrittenLineByLine()
     {
         const QStringList l = reportDefinitionLines(QStringLiteral("/h/dati/mervola.sqlite"), columns(1),
                                                     {QStringLiteral("[Style Title]"), QStringLiteral("Size = 14")});
-        const QStringList expected{
-            "[General]", "Version = VideoSoft Data Reporter (VB5/DAO) (6.0.1)", "",
-            "[RecordSource]", "DataBaseName = /h/dati/mervola.sqlite", "RecordSource = TempRpt", "",
-            "[GlobalInfo]", "ReportTitle = Mervola", "Align = 0", "Header = <db>|<rs>|Page <p> of <n>",
-            "Footer =  | |<tt>, <ddd>", "Columns = 1", "PageBorders = 0", "Top = 1440", "Bottom = 1440",
-            "Left = 1440", "Right = 720", "SubtotalPosition = 0", "WordWrap = True", "WidowOK = False",
-            "MaxHeight = 2880", "Orientation = 0", "[Style Title]", "Size = 14", "",
-            "[Fields]", "Count = 1", "",
-            "[Field 1]", "ID = LABEL", "Title = Nome", "Sort = 1", "Align = 0", "Format =", "Aggregate = 0", "Width = 0", "",
-            "[Headers]", "Count = 0", "",
-            "[Detail]", "Count = 1", "Field1 = LABEL", ""};
+        const QStringList expected{"[General]",
+                                   "Version = VideoSoft Data Reporter (VB5/DAO) (6.0.1)",
+                                   "",
+                                   "[RecordSource]",
+                                   "DataBaseName = /h/dati/mervola.sqlite",
+                                   "RecordSource = TempRpt",
+                                   "",
+                                   "[GlobalInfo]",
+                                   "ReportTitle = Mervola",
+                                   "Align = 0",
+                                   "Header = <db>|<rs>|Page <p> of <n>",
+                                   "Footer =  | |<tt>, <ddd>",
+                                   "Columns = 1",
+                                   "PageBorders = 0",
+                                   "Top = 1440",
+                                   "Bottom = 1440",
+                                   "Left = 1440",
+                                   "Right = 720",
+                                   "SubtotalPosition = 0",
+                                   "WordWrap = True",
+                                   "WidowOK = False",
+                                   "MaxHeight = 2880",
+                                   "Orientation = 0",
+                                   "[Style Title]",
+                                   "Size = 14",
+                                   "",
+                                   "[Fields]",
+                                   "Count = 1",
+                                   "",
+                                   "[Field 1]",
+                                   "ID = LABEL",
+                                   "Title = Nome",
+                                   "Sort = 1",
+                                   "Align = 0",
+                                   "Format =",
+                                   "Aggregate = 0",
+                                   "Width = 0",
+                                   "",
+                                   "[Headers]",
+                                   "Count = 0",
+                                   "",
+                                   "[Detail]",
+                                   "Count = 1",
+                                   "Field1 = LABEL",
+                                   ""};
         QCOMPARE(l, expected);
     }
 
@@ -97,7 +133,7 @@ private slots:
         Home h;
         QVERIFY(writeReportDefinition(h.home, columns(2)).ok());
         const QStringList before = h.vrdLines();
-        QVERIFY(before.contains(QStringLiteral("Bold = True")));  // style lines copied as they stand
+        QVERIFY(before.contains(QStringLiteral("Bold = True"))); // style lines copied as they stand
         QVERIFY(setReportOrientation(h.home, ReportOrientation::Landscape).ok());
         QStringList after = h.vrdLines();
         QCOMPARE(after.size(), before.size());
@@ -126,7 +162,9 @@ private slots:
         QCOMPARE(doc->rows().size(), size_t(2));
         QCOMPARE(doc->rows()[0], (QStringList{"Sant'Elia a Pianisi", "-", "7.25"}));
         // Printing again with fewer columns and a filter replaces everything.
-        QVERIFY(prepareTableReport(h.home, folder, QStringLiteral("comuni"), columns(1), QStringLiteral("[PROV] = 'AO'")).ok());
+        QVERIFY(
+            prepareTableReport(h.home, folder, QStringLiteral("comuni"), columns(1), QStringLiteral("[PROV] = 'AO'"))
+                .ok());
         auto again = ReportDocument::load(h.home);
         QVERIFY(again.ok());
         QCOMPARE(again->rows().size(), size_t(1));
@@ -154,8 +192,10 @@ private slots:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("header") << QStringLiteral("<db>|<rs>|Page <p> of <n>") << QStringLiteral("mervola.sqlite|TempRpt|Page 2 of 7");
-        QTest::newRow("footer") << QStringLiteral(" | |<tt>, <ddd>") << QStringLiteral(" | |09:05, sabato 21 novembre 2026");
+        QTest::newRow("header") << QStringLiteral("<db>|<rs>|Page <p> of <n>")
+                                << QStringLiteral("mervola.sqlite|TempRpt|Page 2 of 7");
+        QTest::newRow("footer") << QStringLiteral(" | |<tt>, <ddd>")
+                                << QStringLiteral(" | |09:05, sabato 21 novembre 2026");
         QTest::newRow("plain") << QStringLiteral("Mervola") << QStringLiteral("Mervola");
     }
     void placeholders()
@@ -188,10 +228,10 @@ private slots:
         for (int y = 0; y < page.height(); ++y)
             for (int x = 0; x < page.width(); ++x)
                 inked += page.pixel(x, y) != qRgb(255, 255, 255);
-        QVERIFY(inked > 200);                                  // header, titles, rows
-        QCOMPARE(page.pixel(page.width() - 2, page.height() / 2), qRgb(255, 255, 255));  // right margin
+        QVERIFY(inked > 200);                                                           // header, titles, rows
+        QCOMPARE(page.pixel(page.width() - 2, page.height() / 2), qRgb(255, 255, 255)); // right margin
         ReportDocument empty(def, {});
-        QCOMPARE(empty.pageCount(), 1);  // the titles still print
+        QCOMPARE(empty.pageCount(), 1); // the titles still print
     }
     void pdfIsWritten()
     {

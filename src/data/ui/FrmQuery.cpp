@@ -12,9 +12,11 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 QListWidget *list(QWidget *parent, const QString &name)
 {
@@ -31,7 +33,7 @@ QPushButton *button(QWidget *parent, const QString &name, const QString &caption
     return b;
 }
 
-}  // namespace
+} // namespace
 
 FrmQuery::FrmQuery(QList<QueryTheme> themes, MapSelectionHost &host, QWidget *parent)
     : QDialog(parent), m_themes(std::move(themes)), m_host(host)
@@ -148,7 +150,7 @@ void FrmQuery::themeChosen(int row)
         return;
     }
     for (const MapQueryField &f : *fields)
-        if (f.name.compare(QLatin1String("DUMMY"), Qt::CaseInsensitive) != 0) {  // placeholders are never listed
+        if (f.name.compare(QLatin1String("DUMMY"), Qt::CaseInsensitive) != 0) { // placeholders are never listed
             m_fields << f;
             m_campi->addItem(f.name);
         }
@@ -221,7 +223,7 @@ void FrmQuery::runQuery()
         return;
     auto r = runMapQuery(*m_folder, m_table, m_query->toPlainText());
     if (!r) {
-        showMessage(MsgStyle::Critical, r.errorMessage());  // the text stays for correction
+        showMessage(MsgStyle::Critical, r.errorMessage()); // the text stays for correction
         return;
     }
     switch (r->kind) {
@@ -268,4 +270,4 @@ void openMapQuery(QWidget *parent, const QList<QueryTheme> &themes, MapSelection
     window.exec();
 }
 
-}  // namespace mervola
+} // namespace mervola

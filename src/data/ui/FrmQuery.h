@@ -19,9 +19,11 @@ class QListWidget;
 class QListWidgetItem;
 class QPlainTextEdit;
 
-namespace mervola {
+namespace mervola
+{
 
-class FrmQuery : public QDialog {
+class FrmQuery : public QDialog
+{
     Q_OBJECT
 public:
     FrmQuery(QList<QueryTheme> themes, MapSelectionHost &host, QWidget *parent = nullptr);
@@ -60,4 +62,4 @@ private:
 void openMapQuery(QWidget *parent, const QList<QueryTheme> &themes, MapSelectionHost &host,
                   const QString &activeTheme = {});
 
-}  // namespace mervola
+} // namespace mervola

@@ -16,13 +16,15 @@
 
 #include <algorithm>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 constexpr double kPreviewDpi = 72;
 
-}  // namespace
+} // namespace
 
 ReportPreview::ReportPreview(AtlasHome home, QWidget *parent)
     : QDialog(parent), m_home(std::move(home)), m_printer(std::make_unique<QPrinter>(QPrinter::HighResolution))
@@ -89,9 +91,8 @@ ReportPreview::ReportPreview(AtlasHome home, QWidget *parent)
     resize(760, 900);
 
     reload();
-    connect(m_landscape, &QRadioButton::toggled, this, [this](bool on) {
-        setOrientation(on ? ReportOrientation::Landscape : ReportOrientation::Portrait);
-    });
+    connect(m_landscape, &QRadioButton::toggled, this,
+            [this](bool on) { setOrientation(on ? ReportOrientation::Landscape : ReportOrientation::Portrait); });
 }
 
 ReportPreview::~ReportPreview() = default;
@@ -125,8 +126,7 @@ void ReportPreview::showPage(int page)
 {
     m_page = std::clamp(page, 0, std::max(0, pageCount() - 1));
     m_indicator->setText(reporttext::pageIndicator(m_page + 1, pageCount()));
-    if (m_loaded)
-    {
+    if (m_loaded) {
         // The whole page width fits the window, never larger than life size.
         const double inches = m_doc.pageSizeTwips().width() / 1440.0;
         const double dpi = std::clamp((width() - 60) / inches, 30.0, kPreviewDpi);
@@ -143,7 +143,7 @@ void ReportPreview::setOrientation(ReportOrientation orientation)
         return;
     }
     m_printer->setPageOrientation(orientation == ReportOrientation::Landscape ? QPageLayout::Landscape
-                                                                               : QPageLayout::Portrait);
+                                                                              : QPageLayout::Portrait);
     reload();
 }
 
@@ -192,4 +192,4 @@ void openTableReport(QWidget *parent, const AtlasHome &home, const QString &tabl
         preview.exec();
 }
 
-}  // namespace mervola
+} // namespace mervola

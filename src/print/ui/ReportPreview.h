@@ -17,9 +17,11 @@ class QPrinter;
 class QRadioButton;
 class QScrollArea;
 
-namespace mervola {
+namespace mervola
+{
 
-class ReportPreview : public QDialog {
+class ReportPreview : public QDialog
+{
     Q_OBJECT
 public:
     // Loads dati/TempRpt.vrd of the home; a failure is shown and leaves the
@@ -59,4 +61,4 @@ private:
 void openTableReport(QWidget *parent, const AtlasHome &home, const QString &tableFolder, const QString &table,
                      const QList<ReportColumn> &columns, const QString &filter = {});
 
-}  // namespace mervola
+} // namespace mervola

@@ -13,7 +13,8 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
 struct FakeMap : MapSelectionHost {
     QStringList calls;
@@ -46,13 +47,13 @@ struct Fixture {
         c.rows.push_back({QStringLiteral("Valdigne")});
         if (!writeDbf(dir.path() + QStringLiteral("/cmont_02.dbf"), c).ok())
             qFatal("dbf");
-        themes = {{QStringLiteral("cmont_02"), QStringLiteral("Comunità montane"), dir.path() + QStringLiteral("/cmont_02.shp")},
+        themes = {{QStringLiteral("cmont_02"), QStringLiteral("Comunità montane"),
+                   dir.path() + QStringLiteral("/cmont_02.shp")},
                   {QStringLiteral("comu_02"), QStringLiteral("Comuni"), dir.path() + QStringLiteral("/comu_02.shp")}};
     }
 };
 
-template <class T>
-T *child(QWidget &w, const char *name)
+template <class T> T *child(QWidget &w, const char *name)
 {
     T *c = w.findChild<T *>(QString::fromLatin1(name));
     if (!c)
@@ -66,9 +67,10 @@ void clickItem(QListWidget *list, int row)
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(item).center());
 }
 
-}  // namespace
+} // namespace
 
-class TestFrmQuery : public QObject {
+class TestFrmQuery : public QObject
+{
     Q_OBJECT
 private slots:
     void composesTheCondition()
@@ -81,24 +83,24 @@ private slots:
         QCOMPARE(w.windowTitle(), QStringLiteral("Query builder"));
         w.chooseTheme(QStringLiteral("COMU_02"));
         auto *campi = child<QListWidget>(w, "lstCampi");
-        QCOMPARE(campi->count(), 2);  // DUMMY is never listed
+        QCOMPARE(campi->count(), 2); // DUMMY is never listed
         auto *ante = child<QCheckBox>(w, "chkAnte");
         ante->click();
         QVERIFY(messages.contains(QStringLiteral("E' necessario selezionare un campo dalla lista!")));
         QVERIFY(!ante->isChecked());
 
         auto *text = child<QPlainTextEdit>(w, "txtQuery");
-        clickItem(campi, 0);  // chooses
+        clickItem(campi, 0); // chooses
         QCOMPARE(child<QLabel>(w, "lblSelected")->text(), QStringLiteral("Nome originale del campo: LABEL"));
         QCOMPARE(text->toPlainText(), QString());
-        clickItem(campi, 0);  // inserts
+        clickItem(campi, 0); // inserts
         child<QPushButton>(w, "cmdquery_0")->click();
         ante->click();
         auto *valori = child<QListWidget>(w, "lstValori");
         QCOMPARE(valori->count(), 3);
         clickItem(valori, 2);
         QCOMPARE(text->toPlainText(), QStringLiteral("[LABEL] = 'Sant''Elia a Pianisi'"));
-        clickItem(campi, 1);  // a numeric field: values go in bare
+        clickItem(campi, 1); // a numeric field: values go in bare
         QCOMPARE(valori->item(0)->text(), QStringLiteral("3.5"));
         child<QPushButton>(w, "cmdquery_5")->click();
         clickItem(valori, 0);
@@ -115,22 +117,23 @@ private slots:
         QTest::addColumn<int>("style");
         QTest::addColumn<QStringList>("mapCalls");
         QTest::addColumn<int>("listed");
-        QTest::newRow("one, decimal comma") << QStringLiteral("[I001] = 3,5") << true << QString() << 0
-                                           << QStringList{"comu_02|LABEL = 'Aosta'"} << 0;
+        QTest::newRow("one, decimal comma")
+            << QStringLiteral("[I001] = 3,5") << true << QString() << 0 << QStringList{"comu_02|LABEL = 'Aosta'"} << 0;
         QTest::newRow("one, apostrophe") << QStringLiteral("[I001] > 7 and [I001] < 8") << true << QString() << 0
                                          << QStringList{"comu_02|LABEL = 'Sant''Elia a Pianisi'"} << 0;
         QTest::newRow("one, not on map") << QStringLiteral("[I001] = 8") << false
                                          << QStringLiteral("Non è stato trovato alcun elemento") << 48
                                          << QStringList{"comu_02|LABEL = 'Bard'"} << 0;
         QTest::newRow("many") << QStringLiteral("[I001] > 1") << true
-                              << QStringLiteral("La query ha trovato 3 valori. Poiché non è possibile evidenziarli sulla "
-                                                "mappa contemporaneamente, è necessario selezionarne uno.")
+                              << QStringLiteral(
+                                     "La query ha trovato 3 valori. Poiché non è possibile evidenziarli sulla "
+                                     "mappa contemporaneamente, è necessario selezionarne uno.")
                               << 64 << QStringList{} << 3;
         QTest::newRow("none") << QStringLiteral("[I001] > 100") << true
-                              << QStringLiteral("La query non ha trovato nessun valore soddisfacente le condizioni!") << 48
-                              << QStringList{} << 0;
-        QTest::newRow("bare number") << QStringLiteral("35") << true << QStringLiteral("Errore di sintassi nella query") << 16
-                                     << QStringList{} << 0;
+                              << QStringLiteral("La query non ha trovato nessun valore soddisfacente le condizioni!")
+                              << 48 << QStringList{} << 0;
+        QTest::newRow("bare number") << QStringLiteral("35") << true << QStringLiteral("Errore di sintassi nella query")
+                                     << 16 << QStringList{} << 0;
     }
     void runs()
     {
@@ -157,7 +160,7 @@ private slots:
             QCOMPARE(messages.entries().front().style, style);
             QCOMPARE(messages.entries().front().title, QStringLiteral("Mervola"));
         }
-        QCOMPARE(child<QPlainTextEdit>(w, "txtQuery")->toPlainText(), condition);  // left for correction
+        QCOMPARE(child<QPlainTextEdit>(w, "txtQuery")->toPlainText(), condition); // left for correction
     }
 
     void findsTheChosenElement()

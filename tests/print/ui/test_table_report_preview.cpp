@@ -13,7 +13,8 @@
 
 using namespace mervola;
 
-class TestTableReportPreview : public QObject {
+class TestTableReportPreview : public QObject
+{
     Q_OBJECT
 private slots:
     void pagesAndOrientation()
@@ -50,13 +51,14 @@ private slots:
         preview.findChild<QPushButton *>(QStringLiteral("cmdSposta_2"))->click();
         QCOMPARE(indicator->text(), QStringLiteral("2 di %1").arg(portraitPages));
         preview.findChild<QPushButton *>(QStringLiteral("cmdSposta_3"))->click();
-        preview.findChild<QPushButton *>(QStringLiteral("cmdSposta_2"))->click();  // stays on the last
+        preview.findChild<QPushButton *>(QStringLiteral("cmdSposta_2"))->click(); // stays on the last
         QCOMPARE(preview.page(), portraitPages - 1);
         preview.findChild<QPushButton *>(QStringLiteral("cmdSposta_0"))->click();
         QCOMPARE(preview.page(), 0);
 
         preview.findChild<QRadioButton *>(QStringLiteral("optOrizzontale"))->click();
-        QVERIFY(QString::fromUtf8(test::readFile(reportDefinitionPath(home))).contains(QStringLiteral("\nOrientation = 1\n")));
+        QVERIFY(QString::fromUtf8(test::readFile(reportDefinitionPath(home)))
+                    .contains(QStringLiteral("\nOrientation = 1\n")));
         QVERIFY(preview.pageCount() > portraitPages);
         QCOMPARE(indicator->text(), QStringLiteral("1 di %1").arg(preview.pageCount()));
         QVERIFY(messages.entries().isEmpty());
