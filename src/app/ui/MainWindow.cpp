@@ -10,6 +10,7 @@
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
 #include "platform/ui/MapWidget.h"
+#include "project/JoinTheme.h"
 #include "project/ProjectFile.h"
 
 #include <QAction>
@@ -75,9 +76,10 @@ MainWindow::MainWindow(AtlasHome home, AppState &state, QWidget *parent)
     m_host->onCaption = [this](const QString &c) { setWindowTitle(c); };
     m_host->onLegend = [this] { refreshLegend(); };
     m_projects = std::make_unique<ProjectFiles>(m_home, *m_host);
+    // Opening a project runs the joins it stored again.
+    m_projects->hooks().rejoin = makeRejoinHook(m_home);
 }
 
-MainWindow::~MainWindow() = default;
 
 void MainWindow::buildMenus()
 {

@@ -46,6 +46,10 @@ public:
     QString scaleText() const;
     void refreshLegend();
 
+    // Selects the features of a layer matching any of the expressions
+    // ("Label = 'X'"), highlights them and zooms to them; false when none.
+    bool selectAndZoom(const QString &layerName, const QStringList &expressions);
+
     // Saves the project through the save dialog; false when not saved.
     bool saveProjectInteractive();
     bool openProjectInteractive();
@@ -92,6 +96,13 @@ private:
     void printMap();
     void searchElement();
     void showElementInfo(QPointF mapPoint);
+    void openAttributeWindow();
+    void openQueryBuilder();
+    void openJoinWizard(const QString &layerName);
+    void removeActiveJoin();
+    void afterJoinChange(const QString &layerName);
+    class DataHost;
+    DataHost &dataHost();
     void showIndicator(const QString &field);
     void addLabels();
     void removeLabels();
@@ -118,6 +129,7 @@ private:
     double m_legendTwips = 3795;
     bool m_painted = false;
     MapTip *m_mapTip = nullptr;
+    std::shared_ptr<DataHost> m_dataHost;  // shared: its type is complete only in MainWindowData.cpp
 };
 
 }  // namespace mervola

@@ -45,8 +45,12 @@ void MainWindow::dispatch(const QString &key)
             printMap();
         } else if (key == QLatin1String("cerca")) {
             searchElement();
-        } else if (key == QLatin1String("query") || key == QLatin1String("dbf") || key == QLatin1String("mnuElimJoin")) {
-            showMessage(MsgStyle::Information, QStringLiteral("Funzione non ancora disponibile in questa versione."));
+        } else if (key == QLatin1String("dbf")) {
+            openAttributeWindow();
+        } else if (key == QLatin1String("query")) {
+            openQueryBuilder();
+        } else if (key == QLatin1String("mnuElimJoin")) {
+            removeActiveJoin();
         } else if (key == QLatin1String("label")) {
             addLabels();
         } else if (key == QLatin1String("nolabel")) {

@@ -5,6 +5,7 @@
 #include "atlas/AtlasBuilder.h"
 #include "classify/ui/ClassificationDialog.h"
 #include "classify/ui/LegendEditor.h"
+#include "data/ui/FrmDbf.h"
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
 #include "platform/ui/MapWidget.h"
@@ -14,6 +15,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QTimer>
+#include <QTableView>
 #include <QtTest>
 
 using namespace mervola;
@@ -148,6 +150,43 @@ private slots:
         QVERIFY(comu && comu->visible);
         QCOMPARE(files.session().regionCode, QStringLiteral("01"));
         QVERIFY(rec.entries().isEmpty());
+    }
+
+    void attributeTableOpensOnceAndGivesTheButtonBack()
+    {
+        MessageRecorder rec;
+        MainWindow w(m_home, appState());
+        QVERIFY(w.load());
+        w.legend()->setActiveIndex(legendRowOf(w.legend(), QStringLiteral("comuni")));
+        w.dispatch(QStringLiteral("dbf"));
+        auto *table = w.findChild<FrmDbf *>();
+        QVERIFY2(table, "the attribute table window opens");
+        QVERIFY(table->windowTitle().startsWith(QStringLiteral("Tabella ")));
+        QVERIFY(table->grid()->model()->rowCount() > 0);
+        QVERIFY(!w.action(QStringLiteral("dbf"))->isEnabled());
+        table->close();
+        QTRY_VERIFY(w.action(QStringLiteral("dbf"))->isEnabled());
+        QVERIFY(rec.entries().isEmpty());
+    }
+
+    void selectAndZoomFindsNamesWithApostrophes()
+    {
+        MessageRecorder rec;
+        MainWindow w(m_home, appState());
+        QVERIFY(w.load());
+        const map::MapLayer *comuni = w.mapWidget()->model().find(QStringLiteral("comuni"));
+        const map::Column *label = comuni->data->column(QStringLiteral("Label"));
+        QString withApostrophe;
+        for (int f = 0; f < comuni->data->featureCount() && withApostrophe.isEmpty(); ++f)
+            if (label->text(f).contains(QLatin1Char('\'')))
+                withApostrophe = label->text(f);
+        QVERIFY(!withApostrophe.isEmpty());
+        QString quoted = withApostrophe;
+        quoted.replace(QLatin1Char('\''), QStringLiteral("''"));
+        QVERIFY(w.selectAndZoom(QStringLiteral("comuni"), {QStringLiteral("Label = '") + quoted + QLatin1Char('\'')}));
+        QCOMPARE(comuni->selection.size(), size_t(1));
+        QVERIFY(w.action(QStringLiteral("zoomprec"))->isEnabled());
+        QVERIFY(!w.selectAndZoom(QStringLiteral("comuni"), {QStringLiteral("Label = 'Nessuno'")}));
     }
 
     void printingNeedsAVisibleTheme()
