@@ -14,8 +14,8 @@ Status insertStructures(SqliteDb &db, const std::vector<ThemeTable> &themes)
             !r)
             return r.error();
         for (size_t i = 0; i < t.layer.fields.size(); ++i) {
-            const FieldSpec &f = t.layer.fields[i];
-            const bool thematic = isIndicatorField(f.name) || f.type != FieldSpec::Type::Text;
+            const AtlasField &f = t.layer.fields[i];
+            const bool thematic = isIndicatorField(f.name) || f.type != AtlasField::Type::Text;
             const bool key = t.keyFields.contains(f.name, Qt::CaseInsensitive);
             auto r = db.run(QStringLiteral("INSERT INTO STRUTTURE (Label, Alias, Tabella, Tematizza, Fieldjoin) "
                                            "VALUES (?1, ?2, ?3, ?4, ?5)"),

@@ -44,9 +44,9 @@ Status writeShapefile(const QString &folder, const ShapeLayer &layer)
     if (!out)
         return Status::fail(QStringLiteral("Impossibile creare lo strato %1.").arg(layer.name));
 
-    for (const FieldSpec &f : layer.fields) {
-        const OGRFieldType t = f.type == FieldSpec::Type::Text      ? OFTString
-                               : f.type == FieldSpec::Type::Integer ? OFTInteger
+    for (const AtlasField &f : layer.fields) {
+        const OGRFieldType t = f.type == AtlasField::Type::Text      ? OFTString
+                               : f.type == AtlasField::Type::Integer ? OFTInteger
                                                                     : OFTReal;
         OGRFieldDefn def(f.name.toUtf8().constData(), t);
         def.SetWidth(f.width);
@@ -65,13 +65,13 @@ Status writeShapefile(const QString &folder, const ShapeLayer &layer)
                 continue;
             }
             switch (layer.fields[i].type) {
-            case FieldSpec::Type::Text:
+            case AtlasField::Type::Text:
                 feature.SetField(idx, v.toString().toUtf8().constData());
                 break;
-            case FieldSpec::Type::Integer:
+            case AtlasField::Type::Integer:
                 feature.SetField(idx, v.toInt());
                 break;
-            case FieldSpec::Type::Real:
+            case AtlasField::Type::Real:
                 feature.SetField(idx, v.toDouble());
                 break;
             }

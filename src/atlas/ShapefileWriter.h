@@ -14,7 +14,7 @@ class OGRGeometry;
 
 namespace mervola::atlas {
 
-struct FieldSpec {
+struct AtlasField {
     enum class Type { Text, Integer, Real };
     QString name;  // <= 10 characters
     Type type = Type::Text;
@@ -32,7 +32,7 @@ enum class ShapeKind { Polygon, Point, None };
 struct ShapeLayer {
     QString name;
     ShapeKind kind = ShapeKind::Polygon;
-    std::vector<FieldSpec> fields;
+    std::vector<AtlasField> fields;
     std::vector<ShapeRecord> records;
 };
 

@@ -8,9 +8,9 @@ namespace mervola::atlas {
 
 namespace {
 
-using T = FieldSpec::Type;
+using T = AtlasField::Type;
 
-FieldSpec text(const char *name, int width) { return {QLatin1String(name), T::Text, width, 0}; }
+AtlasField text(const char *name, int width) { return {QLatin1String(name), T::Text, width, 0}; }
 
 QVariant toVariant(const Value &v, int precision)
 {
@@ -36,7 +36,7 @@ QString fieldAlias(const QString &field)
     return aliases.value(field, field);
 }
 
-ThemeTable makeTable(const QString &name, const QString &alias, ShapeKind kind, std::vector<FieldSpec> fields,
+ThemeTable makeTable(const QString &name, const QString &alias, ShapeKind kind, std::vector<AtlasField> fields,
                      QStringList keys)
 {
     ThemeTable t;
@@ -44,7 +44,7 @@ ThemeTable makeTable(const QString &name, const QString &alias, ShapeKind kind, 
     t.layer.name = name;
     t.layer.kind = kind;
     t.layer.fields = std::move(fields);
-    for (const FieldSpec &f : t.layer.fields)
+    for (const AtlasField &f : t.layer.fields)
         t.fieldAliases << fieldAlias(f.name);
     t.keyFields = std::move(keys);
     return t;
@@ -94,18 +94,18 @@ bool isIndicatorField(const QString &field)
     return false;
 }
 
-std::vector<FieldSpec> municipalityFields()
+std::vector<AtlasField> municipalityFields()
 {
-    std::vector<FieldSpec> f = {text("Label", 100), text("COD_ISTAT", 6), text("COD_PROV", 3),
+    std::vector<AtlasField> f = {text("Label", 100), text("COD_ISTAT", 6), text("COD_PROV", 3),
                                 text("PROVINCIA", 60), text("COD_REG", 2), text("PROG_MONT", 8)};
     for (const Indicator &i : indicators())
         f.push_back({i.municipalityField(), T::Real, i.width, i.precision});
     return f;
 }
 
-std::vector<FieldSpec> communityFields()
+std::vector<AtlasField> communityFields()
 {
-    std::vector<FieldSpec> f = {text("PROG_MONT", 8), text("Label", 100), text("COD_PROV", 3),
+    std::vector<AtlasField> f = {text("PROG_MONT", 8), text("Label", 100), text("COD_PROV", 3),
                                 text("PROVINCIA", 60), text("COD_REG", 2), {QStringLiteral("N_COMUNI"), T::Integer, 4, 0}};
     for (const Indicator &i : indicators())
         f.push_back({i.communityField(), T::Real, i.width, i.precision});

@@ -16,8 +16,8 @@ struct ThemeTable {
 };
 
 // Fields of the tables, shared by the writer, the catalogue and the tests.
-std::vector<FieldSpec> municipalityFields();
-std::vector<FieldSpec> communityFields();
+std::vector<AtlasField> municipalityFields();
+std::vector<AtlasField> communityFields();
 
 // Every theme table, in the order they are written; region codes come from
 // the model's regions.

@@ -40,9 +40,9 @@ double deviceDpi(const QPaintDevice *device)
     return dpi > 0 ? dpi : 96;
 }
 
-map::MapRect printedExtent(const MapPageSpec &spec)
+map::MapRect printedExtent(const MapPageContent &pageContent)
 {
-    return spec.extent.isEmpty() ? spec.model.fullExtent() : spec.extent;
+    return pageContent.extent.isEmpty() ? pageContent.model.fullExtent() : pageContent.extent;
 }
 
 // The largest rectangle with the extent's shape inside `area`, centred.
@@ -164,7 +164,7 @@ QString barLengthText(double metres)
 
 QString defaultDateText() { return QDate::currentDate().toString(QStringLiteral("dd/MM/yyyy")); }
 
-MapPageLayout layoutMapPage(const QRectF &pageRect, const MapPageSpec &spec, const QPaintDevice *device)
+MapPageLayout layoutMapPage(const QRectF &pageRect, const MapPageContent &pageContent, const QPaintDevice *device)
 {
     MapPageLayout l;
     l.page = pageRect;
@@ -174,23 +174,23 @@ MapPageLayout layoutMapPage(const QRectF &pageRect, const MapPageSpec &spec, con
     l.content = pageRect.adjusted(kMarginMm * u, kMarginMm * u, -kMarginMm * u, -kMarginMm * u);
     const QRectF &c = l.content;
 
-    const QFont titleFont = pageFont(spec.titleFont, spec.titlePointSize * 25.4 / 72, u, l.dpi, true);
-    const double titleH = spec.title.trimmed().isEmpty() ? 0 : textHeight(spec.title, titleFont, c.width(), device);
+    const QFont titleFont = pageFont(pageContent.titleFont, pageContent.titlePointSize * 25.4 / 72, u, l.dpi, true);
+    const double titleH = pageContent.title.trimmed().isEmpty() ? 0 : textHeight(pageContent.title, titleFont, c.width(), device);
     l.title = QRectF(c.left(), c.top(), c.width(), titleH);
 
     l.bottom = QRectF(c.left(), c.bottom() - kBottomMm * u, c.width(), kBottomMm * u);
     double middleBottom = l.bottom.top() - kGapMm * u;
-    if (!spec.freeText.trimmed().isEmpty()) {
-        const QFont f = pageFont(spec.textFont, kTextFontMm, u, l.dpi);
-        const double h = std::min(textHeight(spec.freeText, f, c.width(), device), c.height() * 0.25);
+    if (!pageContent.freeText.trimmed().isEmpty()) {
+        const QFont f = pageFont(pageContent.textFont, kTextFontMm, u, l.dpi);
+        const double h = std::min(textHeight(pageContent.freeText, f, c.width(), device), c.height() * 0.25);
         l.freeText = QRectF(c.left(), middleBottom - h, c.width(), h);
         middleBottom = l.freeText.top() - kGapMm * u;
     }
     const double middleTop = titleH > 0 ? l.title.bottom() + kGapMm * u : c.top();
     const QRectF middle(c.left(), middleTop, c.width(), std::max(0.0, middleBottom - middleTop));
 
-    const map::MapRect extent = printedExtent(spec);
-    const auto lines = legendLines(spec.legend);
+    const map::MapRect extent = printedExtent(pageContent);
+    const auto lines = legendLines(pageContent.legend);
     const bool landscape = pageRect.width() > pageRect.height();
     l.mapArea = middle;
     if (!lines.empty()) {
@@ -237,30 +237,30 @@ MapPageLayout layoutMapPage(const QRectF &pageRect, const MapPageSpec &spec, con
     return l;
 }
 
-void paintMapPage(QPainter &painter, const QRectF &pageRect, const MapPageSpec &spec)
+void paintMapPage(QPainter &painter, const QRectF &pageRect, const MapPageContent &pageContent)
 {
-    const MapPageLayout l = layoutMapPage(pageRect, spec, painter.device());
+    const MapPageLayout l = layoutMapPage(pageRect, pageContent, painter.device());
     const double u = l.unit;
     painter.save();
     painter.fillRect(pageRect, Qt::white);
     painter.setRenderHint(QPainter::TextAntialiasing, true);
 
     if (!l.title.isEmpty()) {
-        painter.setFont(pageFont(spec.titleFont, spec.titlePointSize * 25.4 / 72, u, l.dpi, true));
+        painter.setFont(pageFont(pageContent.titleFont, pageContent.titlePointSize * 25.4 / 72, u, l.dpi, true));
         painter.setPen(Qt::black);
-        painter.drawText(l.title, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, spec.title);
+        painter.drawText(l.title, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, pageContent.title);
     }
 
     // The map, clipped to its frame.
     const QSize frameSize(int(l.mapFrame.width()), int(l.mapFrame.height()));
-    const map::MapTransform transform(printedExtent(spec), frameSize);
+    const map::MapTransform transform(printedExtent(pageContent), frameSize);
     if (transform.isValid()) {
         painter.save();
         painter.setClipRect(l.mapFrame);
         painter.translate(l.mapFrame.topLeft());
         map::RenderOptions options;
         options.bands = 1;
-        map::MapRenderer::paint(painter, spec.model, transform, options);
+        map::MapRenderer::paint(painter, pageContent.model, transform, options);
         painter.restore();
     }
     QPen framePen(Qt::black);
@@ -271,13 +271,13 @@ void paintMapPage(QPainter &painter, const QRectF &pageRect, const MapPageSpec &
     painter.drawRect(l.mapFrame);
 
     if (!l.legend.isEmpty()) {
-        paintLegend(painter, l.legend, legendLines(spec.legend), u, l.dpi, l.legendFactor);
+        paintLegend(painter, l.legend, legendLines(pageContent.legend), u, l.dpi, l.legendFactor);
     }
 
     if (!l.freeText.isEmpty()) {
-        painter.setFont(pageFont(spec.textFont, kTextFontMm, u, l.dpi));
+        painter.setFont(pageFont(pageContent.textFont, kTextFontMm, u, l.dpi));
         painter.setPen(Qt::black);
-        painter.drawText(l.freeText, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, spec.freeText);
+        painter.drawText(l.freeText, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, pageContent.freeText);
     }
 
     if (transform.isValid()) {
@@ -290,15 +290,15 @@ void paintMapPage(QPainter &painter, const QRectF &pageRect, const MapPageSpec &
                          scaleText(pageScale(transform.extent().width(), frameSize.width(), l.dpi)));
     }
     paintNorthArrow(painter, l.northArrow, u, l.dpi);
-    if (!spec.dateText.isEmpty()) {
+    if (!pageContent.dateText.isEmpty()) {
         painter.setFont(pageFont(QStringLiteral("Arial"), kDateFontMm, u, l.dpi));
         painter.setPen(Qt::black);
-        painter.drawText(l.date, Qt::AlignRight | Qt::AlignBottom, spec.dateText);
+        painter.drawText(l.date, Qt::AlignRight | Qt::AlignBottom, pageContent.dateText);
     }
     painter.restore();
 }
 
-QImage renderMapPage(const MapPageSpec &spec, QSize size, double dpi)
+QImage renderMapPage(const MapPageContent &pageContent, QSize size, double dpi)
 {
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
@@ -308,11 +308,11 @@ QImage renderMapPage(const MapPageSpec &spec, QSize size, double dpi)
     image.setDotsPerMeterY(dpm);
     image.fill(Qt::white);
     QPainter p(&image);
-    paintMapPage(p, QRectF(QPointF(0, 0), QSizeF(size)), spec);
+    paintMapPage(p, QRectF(QPointF(0, 0), QSizeF(size)), pageContent);
     return image;
 }
 
-Status writeMapPagePdf(const MapPageSpec &spec, const QString &path)
+Status writeMapPagePdf(const MapPageContent &pageContent, const QString &path)
 {
     // QSaveFile writes a new file beside `path` and renames it over `path`
     // only on commit; an existing file stays as it was until then.
@@ -322,15 +322,15 @@ Status writeMapPagePdf(const MapPageSpec &spec, const QString &path)
     {
         QPdfWriter pdf(&file);
         pdf.setResolution(300);
-        pdf.setTitle(spec.title);
+        pdf.setTitle(pageContent.title);
         pdf.setCreator(QStringLiteral("Mervola"));
-        pdf.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), spec.orientation, QMarginsF(0, 0, 0, 0)));
+        pdf.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), pageContent.orientation, QMarginsF(0, 0, 0, 0)));
         QPainter painter;
         if (!painter.begin(&pdf)) {
             file.cancelWriting();
             return Status::fail(QStringLiteral("Impossibile creare il documento PDF %1.").arg(path));
         }
-        paintMapPage(painter, QRectF(pdf.pageLayout().paintRectPixels(pdf.resolution())), spec);
+        paintMapPage(painter, QRectF(pdf.pageLayout().paintRectPixels(pdf.resolution())), pageContent);
         painter.end();
     }
     if (!file.commit())

@@ -44,7 +44,7 @@ struct MapPageTheme {
     std::vector<MapPageClass> classes;
 };
 
-struct MapPageSpec {
+struct MapPageContent {
     QString title = QStringLiteral("Mervola");
     QString titleFont = QStringLiteral("Arial");
     double titlePointSize = 20;
@@ -97,20 +97,20 @@ double roundBarLength(double maxMetres);
 // A bar length as printed: "500 m", "2 km", "1,5 km".
 QString barLengthText(double metres);
 
-// Computes the layout of the page for `spec` on `device` (whose resolution
+// Computes the layout of the page for `pageContent` on `device` (whose resolution
 // gives the paper size of `pageRect`).
-MapPageLayout layoutMapPage(const QRectF &pageRect, const MapPageSpec &spec, const QPaintDevice *device);
+MapPageLayout layoutMapPage(const QRectF &pageRect, const MapPageContent &pageContent, const QPaintDevice *device);
 
 // Paints the whole page inside `pageRect` of the painter's device.
-void paintMapPage(QPainter &painter, const QRectF &pageRect, const MapPageSpec &spec);
+void paintMapPage(QPainter &painter, const QRectF &pageRect, const MapPageContent &pageContent);
 
 // The page as an image of `size` pixels at `dpi` (white background).
-QImage renderMapPage(const MapPageSpec &spec, QSize size, double dpi = 96);
+QImage renderMapPage(const MapPageContent &pageContent, QSize size, double dpi = 96);
 
 // Writes the page as an A4 PDF to `path`: a new file beside it is written
 // and renamed over `path` only when complete, so a failed write leaves an
 // existing file as it was.
-Status writeMapPagePdf(const MapPageSpec &spec, const QString &path);
+Status writeMapPagePdf(const MapPageContent &pageContent, const QString &path);
 
 // The default date text of the page: today's date as dd/MM/yyyy.
 QString defaultDateText();

@@ -48,12 +48,12 @@ bool allWhite(const QImage &img, const QRectF &r)
     return true;
 }
 
-MapPageLayout layoutFor(const MapPageSpec &spec, QSize size)
+MapPageLayout layoutFor(const MapPageContent &pageContent, QSize size)
 {
     QImage device(1, 1, QImage::Format_ARGB32);
     device.setDotsPerMeterX(int(96 / 0.0254 + 0.5));
     device.setDotsPerMeterY(int(96 / 0.0254 + 0.5));
-    return layoutMapPage(QRectF(QPointF(0, 0), QSizeF(size)), spec, &device);
+    return layoutMapPage(QRectF(QPointF(0, 0), QSizeF(size)), pageContent, &device);
 }
 
 }  // namespace
@@ -125,18 +125,18 @@ private slots:
 
     void visibleThemes()
     {
-        MapPageSpec spec = stripePage(QPageLayout::Portrait);
-        QVERIFY(hasVisibleTheme(spec.model));
-        spec.model.layer(0).visible = false;
-        QVERIFY(!hasVisibleTheme(spec.model));
+        MapPageContent pageContent = stripePage(QPageLayout::Portrait);
+        QVERIFY(hasVisibleTheme(pageContent.model));
+        pageContent.model.layer(0).visible = false;
+        QVERIFY(!hasVisibleTheme(pageContent.model));
         QVERIFY(!hasVisibleTheme(map::MapModel()));
     }
 
     void legendTakesClassesAndCounts()
     {
-        MapPageSpec spec = stripePage(QPageLayout::Portrait);
-        QCOMPARE(int(spec.legend.size()), 1);
-        const MapPageTheme &t = spec.legend[0];
+        MapPageContent pageContent = stripePage(QPageLayout::Portrait);
+        QCOMPARE(int(pageContent.legend.size()), 1);
+        const MapPageTheme &t = pageContent.legend[0];
         QCOMPARE(t.alias, QStringLiteral("Comunità montane"));
         QCOMPARE(int(t.classes.size()), 4);
         QCOMPARE(t.classes[0].label, QStringLiteral("1 - 1"));
@@ -149,11 +149,11 @@ private slots:
 
     void classLabelsUseTheDecimalComma()
     {
-        MapPageSpec spec = stripePage(QPageLayout::Portrait);
-        auto &cb = std::get<map::ClassBreaksRenderer>(spec.model.layer(0).renderer);
+        MapPageContent pageContent = stripePage(QPageLayout::Portrait);
+        auto &cb = std::get<map::ClassBreaksRenderer>(pageContent.model.layer(0).renderer);
         cb.setBreak(0, 1.25);
         cb.setBreak(1, 2.5);
-        const auto legend = legendFromModel(spec.model);
+        const auto legend = legendFromModel(pageContent.model);
         QCOMPARE(legend[0].classes[0].label, QStringLiteral("1 - 1,25"));
         QCOMPARE(legend[0].classes[1].label, QStringLiteral("1,25 - 2,5"));
         QCOMPARE(legend[0].classes[0].count, 1);
@@ -176,8 +176,8 @@ private slots:
         QFETCH(double, extentW);
         QFETCH(double, extentH);
         const auto o = landscape ? QPageLayout::Landscape : QPageLayout::Portrait;
-        const MapPageSpec spec = stripePage(o, extentW, extentH);
-        const MapPageLayout l = layoutFor(spec, landscape ? kLandscape : kPortrait);
+        const MapPageContent pageContent = stripePage(o, extentW, extentH);
+        const MapPageLayout l = layoutFor(pageContent, landscape ? kLandscape : kPortrait);
         QVERIFY(!l.mapFrame.isEmpty());
         QVERIFY(std::abs(l.mapFrame.width() / l.mapFrame.height() - extentW / extentH) < 0.02);
         QVERIFY(l.content.contains(l.mapFrame));
@@ -196,11 +196,11 @@ private slots:
 
     void freeTextSitsBetweenMapAndBottom()
     {
-        MapPageSpec spec = stripePage(QPageLayout::Portrait);
-        const MapPageLayout without = layoutFor(spec, kPortrait);
+        MapPageContent pageContent = stripePage(QPageLayout::Portrait);
+        const MapPageLayout without = layoutFor(pageContent, kPortrait);
         QVERIFY(without.freeText.isEmpty());
-        spec.freeText = QStringLiteral("Fonte: ISTAT, censimento 2021.\nElaborazione Mervola.");
-        const MapPageLayout l = layoutFor(spec, kPortrait);
+        pageContent.freeText = QStringLiteral("Fonte: ISTAT, censimento 2021.\nElaborazione Mervola.");
+        const MapPageLayout l = layoutFor(pageContent, kPortrait);
         QVERIFY(!l.freeText.isEmpty());
         QVERIFY(l.freeText.top() >= l.legend.bottom());
         QVERIFY(l.freeText.bottom() <= l.bottom.top());
@@ -209,26 +209,26 @@ private slots:
 
     void hiddenThemesStayOutOfTheLegend()
     {
-        MapPageSpec spec = stripePage(QPageLayout::Landscape);
-        const MapPageLayout shown = layoutFor(spec, kLandscape);
+        MapPageContent pageContent = stripePage(QPageLayout::Landscape);
+        const MapPageLayout shown = layoutFor(pageContent, kLandscape);
         MapPageTheme hidden;
         hidden.alias = QStringLiteral("Un nome di tema molto lungo che allargherebbe la legenda");
         hidden.visible = false;
         hidden.classes.assign(40, {Qt::red, Qt::black, QStringLiteral("classe"), 1});
-        spec.legend.push_back(hidden);
-        QCOMPARE(layoutFor(spec, kLandscape).legend, shown.legend);
-        spec.legend.erase(spec.legend.begin());
-        const MapPageLayout none = layoutFor(spec, kLandscape);
+        pageContent.legend.push_back(hidden);
+        QCOMPARE(layoutFor(pageContent, kLandscape).legend, shown.legend);
+        pageContent.legend.erase(pageContent.legend.begin());
+        const MapPageLayout none = layoutFor(pageContent, kLandscape);
         QVERIFY(none.legend.isEmpty());
         QVERIFY(none.mapFrame.width() > shown.mapFrame.width());
     }
 
     void manyClassesShrinkTheLegendInsteadOfTheMap()
     {
-        MapPageSpec spec = stripePage(QPageLayout::Portrait);
+        MapPageContent pageContent = stripePage(QPageLayout::Portrait);
         for (int i = 0; i < 150; ++i)
-            spec.legend[0].classes.push_back({Qt::red, Qt::black, QStringLiteral("classe %1").arg(i), i});
-        const MapPageLayout l = layoutFor(spec, kPortrait);
+            pageContent.legend[0].classes.push_back({Qt::red, Qt::black, QStringLiteral("classe %1").arg(i), i});
+        const MapPageLayout l = layoutFor(pageContent, kPortrait);
         QVERIFY(l.legendFactor < 1);
         QVERIFY(l.legend.height() <= l.content.height() * 0.45);
         QVERIFY(l.mapFrame.height() > l.content.height() * 0.3);
@@ -243,10 +243,10 @@ private slots:
     void paintedPageShowsEachPartWhereLaidOut()
     {
         QFETCH(bool, landscape);
-        const MapPageSpec spec = stripePage(landscape ? QPageLayout::Landscape : QPageLayout::Portrait);
+        const MapPageContent pageContent = stripePage(landscape ? QPageLayout::Landscape : QPageLayout::Portrait);
         const QSize size = landscape ? kLandscape : kPortrait;
-        const QImage page = renderMapPage(spec, size, 96);
-        const MapPageLayout l = layoutFor(spec, size);
+        const QImage page = renderMapPage(pageContent, size, 96);
+        const MapPageLayout l = layoutFor(pageContent, size);
 
         // The map: each stripe's colour at the middle of its quarter of the frame.
         const QRectF f = l.mapFrame;
@@ -272,10 +272,10 @@ private slots:
 
     void emptyTitleGivesTheMapMoreRoom()
     {
-        MapPageSpec spec = stripePage(QPageLayout::Landscape, 100000, 300000);
-        const MapPageLayout titled = layoutFor(spec, kLandscape);
-        spec.title.clear();
-        const MapPageLayout bare = layoutFor(spec, kLandscape);
+        MapPageContent pageContent = stripePage(QPageLayout::Landscape, 100000, 300000);
+        const MapPageLayout titled = layoutFor(pageContent, kLandscape);
+        pageContent.title.clear();
+        const MapPageLayout bare = layoutFor(pageContent, kLandscape);
         QVERIFY(bare.title.isEmpty());
         QVERIFY(bare.mapFrame.height() > titled.mapFrame.height());
     }
@@ -285,8 +285,8 @@ private slots:
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("mappa.pdf"));
         QVERIFY(QFile(path).open(QIODevice::WriteOnly));  // an older file to replace
-        const MapPageSpec spec = stripePage(QPageLayout::Landscape);
-        const Status s = writeMapPagePdf(spec, path);
+        const MapPageContent pageContent = stripePage(QPageLayout::Landscape);
+        const Status s = writeMapPagePdf(pageContent, path);
         QVERIFY2(s.ok(), qPrintable(s.errorMessage()));
         QFile f(path);
         QVERIFY(f.open(QIODevice::ReadOnly));
@@ -294,7 +294,7 @@ private slots:
         QVERIFY(f.size() > 1000);
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{QStringLiteral("mappa.pdf")});
 
-        const Status bad = writeMapPagePdf(spec, dir.filePath(QStringLiteral("manca/mappa.pdf")));
+        const Status bad = writeMapPagePdf(pageContent, dir.filePath(QStringLiteral("manca/mappa.pdf")));
         QVERIFY(!bad.ok());
         QVERIFY(!bad.errorMessage().isEmpty());
     }

@@ -31,12 +31,12 @@ inline map::LayerDataPtr stripes(double width = 200000, double height = 100000)
     return d;
 }
 
-inline MapPageSpec stripePage(QPageLayout::Orientation orientation, double width = 200000, double height = 100000)
+inline MapPageContent stripePage(QPageLayout::Orientation orientation, double width = 200000, double height = 100000)
 {
-    MapPageSpec spec;
-    spec.title = QStringLiteral("Comunità montane");
-    spec.dateText = QStringLiteral("21/11/2026");
-    spec.orientation = orientation;
+    MapPageContent pageContent;
+    pageContent.title = QStringLiteral("Comunità montane");
+    pageContent.dateText = QStringLiteral("21/11/2026");
+    pageContent.orientation = orientation;
     map::MapLayer layer;
     layer.name = QStringLiteral("commont");
     layer.data = stripes(width, height);
@@ -49,10 +49,10 @@ inline MapPageSpec stripePage(QPageLayout::Orientation orientation, double width
         classes.push_back(c);
     }
     layer.renderer = map::ClassBreaksRenderer::fromClasses(QStringLiteral("VAL"), classes);
-    spec.model.addLayer(layer);
-    spec.extent = map::MapRect(0, height, width, 0);
-    spec.legend = legendFromModel(spec.model, [](const QString &) { return QStringLiteral("Comunità montane"); });
-    return spec;
+    pageContent.model.addLayer(layer);
+    pageContent.extent = map::MapRect(0, height, width, 0);
+    pageContent.legend = legendFromModel(pageContent.model, [](const QString &) { return QStringLiteral("Comunità montane"); });
+    return pageContent;
 }
 
 }  // namespace mervola::test

@@ -148,16 +148,16 @@ void MainWindow::printMap()
                     QStringLiteral("La procedura di stampa non può esssere avviata senza temi visibili."));
         return;
     }
-    MapPageSpec spec;
+    MapPageContent pageContent;
     const QString caption = windowTitle();
-    spec.title = caption.startsWith(ProjectText::kCaptionPrefix) ? caption.mid(ProjectText::kCaptionPrefix.size())
+    pageContent.title = caption.startsWith(ProjectText::kCaptionPrefix) ? caption.mid(ProjectText::kCaptionPrefix.size())
                                                                  : QStringLiteral("Mervola");
-    spec.titleFont = m_state.labelFont;
-    spec.dateText = QLocale(QLocale::Italian).toString(QDate::currentDate(), QStringLiteral("d MMMM yyyy"));
-    spec.model = m_map->model();
-    spec.extent = m_map->extent();
-    spec.legend = legendFromModel(spec.model, [this](const QString &n) { return aliasOf(n); });
-    openMapPrintPage(this, spec);
+    pageContent.titleFont = m_state.labelFont;
+    pageContent.dateText = QLocale(QLocale::Italian).toString(QDate::currentDate(), QStringLiteral("d MMMM yyyy"));
+    pageContent.model = m_map->model();
+    pageContent.extent = m_map->extent();
+    pageContent.legend = legendFromModel(pageContent.model, [this](const QString &n) { return aliasOf(n); });
+    openMapPrintPage(this, pageContent);
 }
 
 void MainWindow::addLabels()

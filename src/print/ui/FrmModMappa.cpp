@@ -15,20 +15,20 @@
 
 namespace mervola {
 
-FrmModMappa::FrmModMappa(const MapPageSpec &spec, FontFamiliesSource families, QWidget *parent)
-    : QDialog(parent), m_families(std::move(families)), m_font(spec.titleFont)
+FrmModMappa::FrmModMappa(const MapPageContent &pageContent, FontFamiliesSource families, QWidget *parent)
+    : QDialog(parent), m_families(std::move(families)), m_font(pageContent.titleFont)
 {
     setObjectName(QStringLiteral("frmModMappa"));
     setWindowTitle(QStringLiteral("Titolo e legenda"));
 
-    m_title = new QLineEdit(spec.title, this);
+    m_title = new QLineEdit(pageContent.title, this);
     m_title->setObjectName(QStringLiteral("txtTitolo"));
     m_fontLabel = new QLabel(m_font, this);
     m_fontLabel->setObjectName(QStringLiteral("lblFont"));
     m_size = new QSpinBox(this);
     m_size->setObjectName(QStringLiteral("spnDimensione"));
     m_size->setRange(6, 72);
-    m_size->setValue(int(spec.titlePointSize));
+    m_size->setValue(int(pageContent.titlePointSize));
     m_size->setSuffix(QStringLiteral(" pt"));
 
     m_names = new QTableWidget(this);
@@ -37,12 +37,12 @@ FrmModMappa::FrmModMappa(const MapPageSpec &spec, FontFamiliesSource families, Q
     m_names->setHorizontalHeaderLabels({QStringLiteral("Nome nella legenda")});
     m_names->horizontalHeader()->setStretchLastSection(true);
     m_names->verticalHeader()->setVisible(false);
-    for (std::size_t i = 0; i < spec.legend.size(); ++i) {
-        if (!spec.legend[i].visible)
+    for (std::size_t i = 0; i < pageContent.legend.size(); ++i) {
+        if (!pageContent.legend[i].visible)
             continue;
         const int row = m_names->rowCount();
         m_names->insertRow(row);
-        m_names->setItem(row, 0, new QTableWidgetItem(spec.legend[i].alias));
+        m_names->setItem(row, 0, new QTableWidgetItem(pageContent.legend[i].alias));
         m_rows.push_back(int(i));
     }
 
@@ -68,17 +68,17 @@ void FrmModMappa::cmdFont_Click()
         m_fontLabel->setText(m_font);
 }
 
-MapPageSpec FrmModMappa::result(MapPageSpec spec) const
+MapPageContent FrmModMappa::result(MapPageContent pageContent) const
 {
-    spec.title = m_title->text();
-    spec.titleFont = m_font;
-    spec.titlePointSize = m_size->value();
+    pageContent.title = m_title->text();
+    pageContent.titleFont = m_font;
+    pageContent.titlePointSize = m_size->value();
     for (int row = 0; row < m_names->rowCount(); ++row) {
         const QString name = m_names->item(row, 0) ? m_names->item(row, 0)->text().trimmed() : QString();
         if (!name.isEmpty())
-            spec.legend[std::size_t(m_rows[std::size_t(row)])].alias = name;
+            pageContent.legend[std::size_t(m_rows[std::size_t(row)])].alias = name;
     }
-    return spec;
+    return pageContent;
 }
 
 }  // namespace mervola

@@ -18,9 +18,9 @@ namespace mervola {
 class FrmModMappa : public QDialog {
     Q_OBJECT
 public:
-    FrmModMappa(const MapPageSpec &spec, FontFamiliesSource families, QWidget *parent = nullptr);
+    FrmModMappa(const MapPageContent &pageContent, FontFamiliesSource families, QWidget *parent = nullptr);
     // The page with the edited title, font, size and legend names.
-    MapPageSpec result(MapPageSpec spec) const;
+    MapPageContent result(MapPageContent pageContent) const;
 
 private:
     void cmdFont_Click();

@@ -10,14 +10,14 @@
 
 namespace mervola {
 
-FrmModTesto::FrmModTesto(const MapPageSpec &spec, FontFamiliesSource families, QWidget *parent)
-    : QDialog(parent), m_families(std::move(families)), m_font(spec.textFont)
+FrmModTesto::FrmModTesto(const MapPageContent &pageContent, FontFamiliesSource families, QWidget *parent)
+    : QDialog(parent), m_families(std::move(families)), m_font(pageContent.textFont)
 {
     setObjectName(QStringLiteral("frmModTesto"));
     setWindowTitle(QStringLiteral("Testo"));
 
     auto *prompt = new QLabel(QStringLiteral("&Testo da stampare sotto la mappa:"), this);
-    m_text = new QPlainTextEdit(spec.freeText, this);
+    m_text = new QPlainTextEdit(pageContent.freeText, this);
     m_text->setObjectName(QStringLiteral("txtTesto"));
     prompt->setBuddy(m_text);
     m_fontLabel = new QLabel(m_font, this);
@@ -34,11 +34,11 @@ FrmModTesto::FrmModTesto(const MapPageSpec &spec, FontFamiliesSource families, Q
     resize(420, 300);
 }
 
-MapPageSpec FrmModTesto::result(MapPageSpec spec) const
+MapPageContent FrmModTesto::result(MapPageContent pageContent) const
 {
-    spec.freeText = m_text->toPlainText();
-    spec.textFont = m_font;
-    return spec;
+    pageContent.freeText = m_text->toPlainText();
+    pageContent.textFont = m_font;
+    return pageContent;
 }
 
 }  // namespace mervola

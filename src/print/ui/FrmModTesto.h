@@ -15,8 +15,8 @@ namespace mervola {
 class FrmModTesto : public QDialog {
     Q_OBJECT
 public:
-    FrmModTesto(const MapPageSpec &spec, FontFamiliesSource families, QWidget *parent = nullptr);
-    MapPageSpec result(MapPageSpec spec) const;
+    FrmModTesto(const MapPageContent &pageContent, FontFamiliesSource families, QWidget *parent = nullptr);
+    MapPageContent result(MapPageContent pageContent) const;
 
 private:
     FontFamiliesSource m_families;

@@ -29,20 +29,20 @@ constexpr int kPreviewDelayMs = 300;
 
 // Paints the page on a printer: the whole sheet is the page, the layout
 // keeps its own margins.
-void paintOnPrinter(QPrinter *printer, const MapPageSpec &spec)
+void paintOnPrinter(QPrinter *printer, const MapPageContent &pageContent)
 {
     QPainter painter(printer);
     if (!painter.isActive())
         return;
-    paintMapPage(painter, QRectF(QPointF(0, 0), printer->paperRect(QPrinter::DevicePixel).size()), spec);
+    paintMapPage(painter, QRectF(QPointF(0, 0), printer->paperRect(QPrinter::DevicePixel).size()), pageContent);
 }
 
-void preparePrinter(QPrinter &printer, const MapPageSpec &spec)
+void preparePrinter(QPrinter &printer, const MapPageContent &pageContent)
 {
     printer.setFullPage(true);
     printer.setPageSize(QPageSize(QPageSize::A4));
-    printer.setPageOrientation(spec.orientation);
-    printer.setDocName(spec.title.isEmpty() ? QStringLiteral("Mervola") : spec.title);
+    printer.setPageOrientation(pageContent.orientation);
+    printer.setDocName(pageContent.title.isEmpty() ? QStringLiteral("Mervola") : pageContent.title);
 }
 
 }  // namespace
@@ -71,28 +71,28 @@ std::vector<MapPageTheme> pageLegendFrom(const std::vector<LegendEntry> &entries
     return out;
 }
 
-MapPageSpec mapPageSpecFor(const map::MapModel &model, const map::MapRect &extent,
+MapPageContent mapPageContentFor(const map::MapModel &model, const map::MapRect &extent,
                            const std::vector<LegendEntry> &entries, const QString &caption)
 {
-    MapPageSpec spec;
-    spec.title = defaultPageTitle(caption);
-    spec.dateText = defaultDateText();
-    spec.model = model;
-    spec.extent = extent.isEmpty() ? model.extent() : extent;
-    spec.legend = entries.empty() ? legendFromModel(model) : pageLegendFrom(entries);
-    return spec;
+    MapPageContent pageContent;
+    pageContent.title = defaultPageTitle(caption);
+    pageContent.dateText = defaultDateText();
+    pageContent.model = model;
+    pageContent.extent = extent.isEmpty() ? model.extent() : extent;
+    pageContent.legend = entries.empty() ? legendFromModel(model) : pageLegendFrom(entries);
+    return pageContent;
 }
 
-FrmStampaNew::FrmStampaNew(MapPageSpec spec, QWidget *parent)
-    : QDialog(parent), m_spec(std::move(spec)), m_previewPrinter(std::make_unique<QPrinter>(QPrinter::ScreenResolution))
+FrmStampaNew::FrmStampaNew(MapPageContent pageContent, QWidget *parent)
+    : QDialog(parent), m_content(std::move(pageContent)), m_previewPrinter(std::make_unique<QPrinter>(QPrinter::ScreenResolution))
 {
     setObjectName(QStringLiteral("frmStampaNew"));
     setWindowTitle(QStringLiteral("Stampa della mappa"));
-    if (m_spec.title.isEmpty())
-        m_spec.title = QStringLiteral("Mervola");
-    if (m_spec.dateText.isEmpty())
-        m_spec.dateText = defaultDateText();
-    preparePrinter(*m_previewPrinter, m_spec);
+    if (m_content.title.isEmpty())
+        m_content.title = QStringLiteral("Mervola");
+    if (m_content.dateText.isEmpty())
+        m_content.dateText = defaultDateText();
+    preparePrinter(*m_previewPrinter, m_content);
 
     m_preview = new QPrintPreviewWidget(m_previewPrinter.get(), this);
     m_preview->setObjectName(QStringLiteral("picAnteprima"));
@@ -216,15 +216,15 @@ void FrmStampaNew::buildControls()
 void FrmStampaNew::writeControls()
 {
     m_writing = true;
-    if (m_title->text() != m_spec.title)
-        m_title->setText(m_spec.title);
-    m_titleFont->setText(QStringLiteral("%1, %2 pt").arg(m_spec.titleFont).arg(m_spec.titlePointSize));
-    if (m_text->toPlainText() != m_spec.freeText)
-        m_text->setPlainText(m_spec.freeText);
-    if (m_date->text() != m_spec.dateText)
-        m_date->setText(m_spec.dateText);
-    m_portrait->setChecked(m_spec.orientation == QPageLayout::Portrait);
-    m_landscape->setChecked(m_spec.orientation == QPageLayout::Landscape);
+    if (m_title->text() != m_content.title)
+        m_title->setText(m_content.title);
+    m_titleFont->setText(QStringLiteral("%1, %2 pt").arg(m_content.titleFont).arg(m_content.titlePointSize));
+    if (m_text->toPlainText() != m_content.freeText)
+        m_text->setPlainText(m_content.freeText);
+    if (m_date->text() != m_content.dateText)
+        m_date->setText(m_content.dateText);
+    m_portrait->setChecked(m_content.orientation == QPageLayout::Portrait);
+    m_landscape->setChecked(m_content.orientation == QPageLayout::Landscape);
     m_writing = false;
 }
 
@@ -232,19 +232,19 @@ void FrmStampaNew::readControls()
 {
     if (m_writing)
         return;
-    m_spec.title = m_title->text();
-    m_spec.freeText = m_text->toPlainText();
-    m_spec.dateText = m_date->text();
+    m_content.title = m_title->text();
+    m_content.freeText = m_text->toPlainText();
+    m_content.dateText = m_date->text();
     schedulePreview();
 }
 
 void FrmStampaNew::schedulePreview() { m_previewTimer->start(); }
 
-void FrmStampaNew::paintPreview(QPrinter *printer) { paintOnPrinter(printer, m_spec); }
+void FrmStampaNew::paintPreview(QPrinter *printer) { paintOnPrinter(printer, m_content); }
 
 void FrmStampaNew::setOrientation(QPageLayout::Orientation o)
 {
-    m_spec.orientation = o;
+    m_content.orientation = o;
     m_previewPrinter->setPageOrientation(o);
     // Changing the orientation repaints the preview.
     if (o == QPageLayout::Landscape)
@@ -255,7 +255,7 @@ void FrmStampaNew::setOrientation(QPageLayout::Orientation o)
 
 void FrmStampaNew::cmdFontTitolo_Click()
 {
-    if (choosePageFont(this, m_spec.titleFont, m_families)) {
+    if (choosePageFont(this, m_content.titleFont, m_families)) {
         writeControls();
         schedulePreview();
     }
@@ -263,20 +263,20 @@ void FrmStampaNew::cmdFontTitolo_Click()
 
 void FrmStampaNew::cmdModMappa_Click()
 {
-    FrmModMappa dlg(m_spec, m_families, this);
+    FrmModMappa dlg(m_content, m_families, this);
     if (dlg.exec() != QDialog::Accepted)
         return;
-    m_spec = dlg.result(std::move(m_spec));
+    m_content = dlg.result(std::move(m_content));
     writeControls();
     schedulePreview();
 }
 
 void FrmStampaNew::cmdModTesto_Click()
 {
-    FrmModTesto dlg(m_spec, m_families, this);
+    FrmModTesto dlg(m_content, m_families, this);
     if (dlg.exec() != QDialog::Accepted)
         return;
-    m_spec = dlg.result(std::move(m_spec));
+    m_content = dlg.result(std::move(m_content));
     writeControls();
     schedulePreview();
 }
@@ -284,20 +284,20 @@ void FrmStampaNew::cmdModTesto_Click()
 void FrmStampaNew::cmdStampa_Click()
 {
     QPrinter printer(QPrinter::HighResolution);
-    preparePrinter(printer, m_spec);
+    preparePrinter(printer, m_content);
     QPrintDialog dlg(&printer, this);
     dlg.setWindowTitle(QStringLiteral("Stampa"));
     if (dlg.exec() != QDialog::Accepted)
         return;
-    paintOnPrinter(&printer, m_spec);
+    paintOnPrinter(&printer, m_content);
 }
 
-Status FrmStampaNew::savePdfTo(const QString &path) const { return writeMapPagePdf(m_spec, path); }
+Status FrmStampaNew::savePdfTo(const QString &path) const { return writeMapPagePdf(m_content, path); }
 
 void FrmStampaNew::cmdSalvaPdf_Click()
 {
     // Suggest the title as file name, without characters file systems refuse.
-    QString name = m_spec.title.trimmed();
+    QString name = m_content.title.trimmed();
     name.replace(QRegularExpression(QStringLiteral("[\\\\/:*?\"<>|]")), QStringLiteral("_"));
     if (name.isEmpty())
         name = QStringLiteral("mappa");
@@ -313,9 +313,9 @@ void FrmStampaNew::cmdSalvaPdf_Click()
         showMessage(MsgStyle::Critical, s.errorMessage());
 }
 
-void openMapPrintPage(QWidget *parent, const MapPageSpec &spec)
+void openMapPrintPage(QWidget *parent, const MapPageContent &pageContent)
 {
-    FrmStampaNew dlg(spec, parent);
+    FrmStampaNew dlg(pageContent, parent);
     dlg.exec();
 }
 

@@ -33,17 +33,17 @@ std::vector<MapPageTheme> pageLegendFrom(const std::vector<LegendEntry> &entries
 // A page description for the map as the window shows it: a copy of the
 // model, the extent shown, the legend panel's entries (the model's own
 // legend when empty), the caption as title and today's date.
-MapPageSpec mapPageSpecFor(const map::MapModel &model, const map::MapRect &extent,
+MapPageContent mapPageContentFor(const map::MapModel &model, const map::MapRect &extent,
                            const std::vector<LegendEntry> &entries, const QString &caption);
 
 class FrmStampaNew : public QDialog {
     Q_OBJECT
 public:
-    explicit FrmStampaNew(MapPageSpec spec, QWidget *parent = nullptr);
+    explicit FrmStampaNew(MapPageContent pageContent, QWidget *parent = nullptr);
     ~FrmStampaNew() override;
 
     // The page as currently set in the window.
-    const MapPageSpec &spec() const { return m_spec; }
+    const MapPageContent &pageContent() const { return m_content; }
     // Where the font buttons take the installed families from.
     void setFontFamiliesSource(FontFamiliesSource source) { m_families = std::move(source); }
 
@@ -64,7 +64,7 @@ private:
     void cmdStampa_Click();
     void cmdSalvaPdf_Click();
 
-    MapPageSpec m_spec;
+    MapPageContent m_content;
     FontFamiliesSource m_families = defaultFontFamilies();
     std::unique_ptr<QPrinter> m_previewPrinter;
     QPrintPreviewWidget *m_preview = nullptr;
@@ -75,10 +75,10 @@ private:
     QRadioButton *m_portrait = nullptr;
     QRadioButton *m_landscape = nullptr;
     QTimer *m_previewTimer = nullptr;
-    bool m_writing = false;  // controls being filled from the spec
+    bool m_writing = false;  // controls being filled from the pageContent
 };
 
-// Opens the printed map page for `spec` (modal).
-void openMapPrintPage(QWidget *parent, const MapPageSpec &spec);
+// Opens the printed map page for `pageContent` (modal).
+void openMapPrintPage(QWidget *parent, const MapPageContent &pageContent);
 
 }  // namespace mervola

@@ -88,7 +88,7 @@ private slots:
 
     void editsChangeTheWindowsPageOnly()
     {
-        const MapPageSpec original = stripePage(QPageLayout::Portrait);
+        const MapPageContent original = stripePage(QPageLayout::Portrait);
         FrmStampaNew dlg(original);
         dlg.show();
         auto *title = dlg.findChild<QLineEdit *>(QStringLiteral("txtTitolo"));
@@ -96,9 +96,9 @@ private slots:
         QTest::keyClicks(title, QStringLiteral("Popolazione"));
         dlg.findChild<QPlainTextEdit *>(QStringLiteral("txtTesto"))->setPlainText(QStringLiteral("Fonte: ISTAT"));
         dlg.findChild<QRadioButton *>(QStringLiteral("optOrizzontale"))->click();
-        QCOMPARE(dlg.spec().title, QStringLiteral("Popolazione"));
-        QCOMPARE(dlg.spec().freeText, QStringLiteral("Fonte: ISTAT"));
-        QCOMPARE(dlg.spec().orientation, QPageLayout::Landscape);
+        QCOMPARE(dlg.pageContent().title, QStringLiteral("Popolazione"));
+        QCOMPARE(dlg.pageContent().freeText, QStringLiteral("Fonte: ISTAT"));
+        QCOMPARE(dlg.pageContent().orientation, QPageLayout::Landscape);
         QCOMPARE(dlg.preview()->orientation(), QPageLayout::Landscape);
         QCOMPARE(original.title, QStringLiteral("Comunità montane"));
     }
@@ -111,7 +111,7 @@ private slots:
         dlg.findChild<QPushButton *>(QStringLiteral("cmdFontTitolo"))->click();
         QVERIFY(recorder.contains(QStringLiteral("Non è installato alcun font nel sistema")));
         QCOMPARE(recorder.entries().front().title, QStringLiteral("Mervola"));
-        QCOMPARE(dlg.spec().titleFont, QStringLiteral("Arial"));
+        QCOMPARE(dlg.pageContent().titleFont, QStringLiteral("Arial"));
     }
 
     void titleFontIsChosenOrKept_data()
@@ -129,7 +129,7 @@ private slots:
         dlg.setFontFamiliesSource([] { return QStringList{"Arial", "Serif Uno", "Mono Due"}; });
         answerFontDialog(answer);
         dlg.findChild<QPushButton *>(QStringLiteral("cmdFontTitolo"))->click();
-        QCOMPARE(dlg.spec().titleFont, font);
+        QCOMPARE(dlg.pageContent().titleFont, font);
         QVERIFY(dlg.findChild<QLabel *>(QStringLiteral("lblFontTitolo"))->text().startsWith(font));
     }
 
@@ -160,11 +160,11 @@ private slots:
 
     void pageOfTheShownMap()
     {
-        const MapPageSpec shown = stripePage(QPageLayout::Portrait);
+        const MapPageContent shown = stripePage(QPageLayout::Portrait);
         const map::MapRect view(50000, 80000, 150000, 20000);
         LegendEntry entry;
         entry.alias = QStringLiteral("Comuni");
-        const MapPageSpec fromPanel = mapPageSpecFor(shown.model, view, {entry}, QString());
+        const MapPageContent fromPanel = mapPageContentFor(shown.model, view, {entry}, QString());
         QCOMPARE(fromPanel.title, QStringLiteral("Mervola"));
         QCOMPARE(fromPanel.extent, view);
         QCOMPARE(fromPanel.model.layerCount(), 1);
@@ -172,7 +172,7 @@ private slots:
         QCOMPARE(fromPanel.legend[0].alias, QStringLiteral("Comuni"));
         QVERIFY(!fromPanel.dateText.isEmpty());
         // Without panel entries the legend comes from the layers' renderers.
-        const MapPageSpec fromModel = mapPageSpecFor(shown.model, map::MapRect(), {}, QStringLiteral("Progetto"));
+        const MapPageContent fromModel = mapPageContentFor(shown.model, map::MapRect(), {}, QStringLiteral("Progetto"));
         QCOMPARE(fromModel.title, QStringLiteral("Progetto"));
         QCOMPARE(fromModel.extent, shown.model.extent());
         QCOMPARE(int(fromModel.legend[0].classes.size()), 4);
@@ -180,17 +180,17 @@ private slots:
 
     void titleEditorRenamesVisibleThemesOnly()
     {
-        MapPageSpec spec = stripePage(QPageLayout::Portrait);
+        MapPageContent pageContent = stripePage(QPageLayout::Portrait);
         MapPageTheme hidden;
         hidden.alias = QStringLiteral("Comuni");
         hidden.visible = false;
-        spec.legend.insert(spec.legend.begin(), hidden);
-        FrmModMappa dlg(spec, [] { return QStringList{"Arial"}; });
+        pageContent.legend.insert(pageContent.legend.begin(), hidden);
+        FrmModMappa dlg(pageContent, [] { return QStringList{"Arial"}; });
         auto *grid = dlg.findChild<QTableWidget *>(QStringLiteral("grdLegenda"));
         QCOMPARE(grid->rowCount(), 1);
         grid->item(0, 0)->setText(QStringLiteral("Comunità"));
         dlg.findChild<QLineEdit *>(QStringLiteral("txtTitolo"))->setText(QStringLiteral("Nuovo titolo"));
-        const MapPageSpec out = dlg.result(spec);
+        const MapPageContent out = dlg.result(pageContent);
         QCOMPARE(out.title, QStringLiteral("Nuovo titolo"));
         QCOMPARE(out.legend[0].alias, QStringLiteral("Comuni"));
         QCOMPARE(out.legend[1].alias, QStringLiteral("Comunità"));
@@ -198,12 +198,12 @@ private slots:
 
     void textEditorGivesTextAndFont()
     {
-        MapPageSpec spec = stripePage(QPageLayout::Portrait);
-        FrmModTesto dlg(spec, [] { return QStringList{"Arial", "Mono Due"}; });
+        MapPageContent pageContent = stripePage(QPageLayout::Portrait);
+        FrmModTesto dlg(pageContent, [] { return QStringList{"Arial", "Mono Due"}; });
         dlg.findChild<QPlainTextEdit *>(QStringLiteral("txtTesto"))->setPlainText(QStringLiteral("riga 1\nriga 2"));
         answerFontDialog(QStringLiteral("Mono Due"));
         dlg.findChild<QPushButton *>(QStringLiteral("cmdFont"))->click();
-        const MapPageSpec out = dlg.result(spec);
+        const MapPageContent out = dlg.result(pageContent);
         QCOMPARE(out.freeText, QStringLiteral("riga 1\nriga 2"));
         QCOMPARE(out.textFont, QStringLiteral("Mono Due"));
     }
