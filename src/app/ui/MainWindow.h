@@ -95,6 +95,7 @@ private:
     void exportMap();
     void printMap();
     void searchElement();
+    void showSelection(map::MapLayer &layer, const std::vector<int> &features);
     void showElementInfo(QPointF mapPoint);
     void openAttributeWindow();
     void openQueryBuilder();

@@ -1,5 +1,6 @@
 // The attribute-data windows opened from the main window (table, query
 // builder) and the joins of external tables, with the map side they need.
+#include "app/Scale.h"
 #include "app/ui/MainWindow.h"
 #include "data/MapQuery.h"
 #include "data/ui/FrmDbf.h"
@@ -79,22 +80,31 @@ bool MainWindow::selectAndZoom(const QString &layerName, const QStringList &expr
             chosen.insert(chosen.end(), found->begin(), found->end());
     std::sort(chosen.begin(), chosen.end());
     chosen.erase(std::unique(chosen.begin(), chosen.end()), chosen.end());
-    for (int i = 0; i < m_map->model().layerCount(); ++i)
-        m_map->model().layer(i).selection.clear();
     if (chosen.empty()) {
+        for (int i = 0; i < m_map->model().layerCount(); ++i)
+            m_map->model().layer(i).selection.clear();
         m_map->refresh();
         return false;
     }
-    layer->selection = chosen;
-    map::MapRect box = layer->data->featureExtent(chosen.front());
-    for (int f : chosen)
-        box = box.united(layer->data->featureExtent(f));
+    showSelection(*layer, chosen);
+    return true;
+}
+
+// Makes `features` the map's only selection and zooms so that they fill most
+// of the view, never closer than the zoom limit allows.
+void MainWindow::showSelection(map::MapLayer &layer, const std::vector<int> &features)
+{
+    for (int i = 0; i < m_map->model().layerCount(); ++i)
+        m_map->model().layer(i).selection.clear();
+    layer.selection = features;
+    map::MapRect box = layer.data->featureExtent(features.front());
+    for (int f : features)
+        box = box.united(layer.data->featureExtent(f));
     box.scale(1.4);
-    if (box.width() < 4 * 258.34)
-        box.scale(4 * 258.34 / std::max(box.width(), 1.0));
+    if (box.width() < kMinExtentWidth * 4)
+        box.scale(kMinExtentWidth * 4 / std::max(box.width(), 1.0));
     saveView();
     setMapExtent(box);
-    return true;
 }
 
 void MainWindow::openAttributeWindow()

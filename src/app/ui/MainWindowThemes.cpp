@@ -266,15 +266,7 @@ void MainWindow::searchElement()
     auto found = map::findFeatures(*layer->data, labelExpression(search.chosenName()));
     if (!found || found->empty())
         return;
-    for (int i = 0; i < m_map->model().layerCount(); ++i)
-        m_map->model().layer(i).selection.clear();
-    layer->selection = {found->front()};
-    // The element fills most of the view, never closer than the zoom limit.
-    map::MapRect r = layer->data->featureExtent(found->front()).scaled(1.4);
-    if (r.width() < kMinExtentWidth * 4)
-        r.scale(kMinExtentWidth * 4 / std::max(r.width(), 1.0));
-    saveView();
-    setMapExtent(r);
+    showSelection(*layer, {found->front()});
 }
 
 void MainWindow::showElementInfo(QPointF mapPoint)
