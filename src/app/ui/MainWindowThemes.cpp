@@ -221,23 +221,11 @@ void MainWindow::chooseRegion(int index)
 void MainWindow::showIndicator(const QString &field)
 {
     const ReferenceDb db(m_home);
-    QString code = field.startsWith(QLatin1Char('_')) ? field.mid(1) : QString();
-    QString description, category, source, unit;
-    auto rows = db.query(QStringLiteral("SELECT cod_ind, ind, Cat, Fonte, Unita FROM INDICATORI"));
-    if (rows) {
-        for (const auto &r : rows->rows) {
-            const QString c = r[0].toString();
-            const bool match = code.isEmpty() ? (field.size() == 4 && c.endsWith(field.right(3))) : c == code;
-            if (match) {
-                code = c;
-                description = r[1].toString();
-                category = r[2].toString();
-                source = r[3].toString();
-                unit = r[4].toString();
-                break;
-            }
-        }
-    }
+    const QList<Indicator> indicators = readIndicators(db);
+    const Indicator *i = indicatorOf(indicators, field);
+    const Indicator found = i ? *i : Indicator{field.startsWith(QLatin1Char('_')) ? field.mid(1) : QString(), {}, {}, {}, {}};
+    const QString &code = found.code, &category = found.category, &source = found.source, &unit = found.unit;
+    QString description = found.description;
     if (description.isEmpty())
         description = Indicators(m_state.structure, db).fieldToDescription(field, QStringLiteral("00"));
     FrmInfoIndicatore window(indicatorDescriptionText(field, description, code, category, source, unit), this);

@@ -7,27 +7,17 @@
 
 namespace mervola {
 
-namespace {
-
-struct Indicator {
-    QString code;
-    QString description;
-    QString category;
-};
-
 QList<Indicator> readIndicators(const ReferenceDb &db)
 {
     QList<Indicator> out;
-    auto rows = db.query(QStringLiteral("SELECT cod_ind, ind, Cat FROM INDICATORI ORDER BY cod_ind"));
+    auto rows = db.query(QStringLiteral("SELECT cod_ind, ind, Cat, Fonte, Unita FROM INDICATORI ORDER BY cod_ind"));
     if (!rows)
         return out;
     for (const auto &r : rows->rows)
-        out.append({r[0].toString(), r[1].toString(), r[2].toString()});
+        out.append({r[0].toString(), r[1].toString(), r[2].toString(), r[3].toString(), r[4].toString()});
     return out;
 }
 
-// The indicator of a field: "_" + the five-character code, or "I" + three
-// digits matched against the end of the code.
 const Indicator *indicatorOf(const QList<Indicator> &list, const QString &field)
 {
     if (field.startsWith(QLatin1Char('_'))) {
@@ -43,8 +33,6 @@ const Indicator *indicatorOf(const QList<Indicator> &list, const QString &field)
     }
     return nullptr;
 }
-
-}  // namespace
 
 QList<classify::CandidateField> candidateFields(const map::LayerData &data, const StructureTable &structure,
                                                 const ReferenceDb &db)

@@ -16,6 +16,19 @@
 
 namespace mervola {
 
+// An indicator as INDICATORI describes it.
+struct Indicator {
+    QString code;
+    QString description;
+    QString category;
+    QString source;
+    QString unit;
+};
+QList<Indicator> readIndicators(const ReferenceDb &db);
+// The indicator of a field: "_" + the five-character code, or "I" + three
+// digits matched against the end of the code; nullptr for other fields.
+const Indicator *indicatorOf(const QList<Indicator> &list, const QString &field);
+
 // The numeric fields of a theme's table offered for classification: the
 // indicators with their description and category, then the other numeric
 // fields under their alias (category empty).
