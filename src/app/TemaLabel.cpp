@@ -1,5 +1,7 @@
 #include "app/TemaLabel.h"
 
+#include "project/SettingsWriters.h"
+
 #include "app/ThemeStyle.h"
 #include "platform/Messages.h"
 #include "project/ThemeSettings.h"
@@ -184,16 +186,7 @@ Status RemoveLabels(map::MapModel &model, const QString &themeName, const QStrin
 
 Status writeLabelSetting(const QString &iniPath, const QString &themeName, const QString &labelValue)
 {
-    const ThemeSettings old = readThemeSettingsFile(iniPath, themeName);
-    QStringList out;
-    out << QLatin1Char('[') + themeName.toUpper() + QLatin1Char(']');
-    for (ThemeKey key : themeKeys()) {
-        if (key == ThemeKey::Label)
-            out << QStringLiteral("LABEL=") + labelValue;
-        else if (old.has(key))
-            out << themeKeyName(key) + QLatin1Char('=') + old.rawValue(key);
-    }
-    return writeLinesReplacing(iniPath, out);
+    return updateThemeKeys(iniPath, themeName, {{ThemeKey::Label, labelValue}});
 }
 
 LabelForm labelFormFor(const map::LabelRenderer &renderer, const QList<LabelFieldEntry> &entries)
