@@ -6,6 +6,7 @@
 #include "platform/dbf/DbfTable.h"
 #include "project/JoinSource.h"
 #include "project/JoinStaging.h"
+#include "project/PristineSettings.h"
 
 #include <QDir>
 #include <QFile>
@@ -130,12 +131,6 @@ Result<DbfTable> leftJoin(const DbfTable &theme, int themeKey, const DbfTable &e
     return out;
 }
 
-bool copyReplacing(const QString &from, const QString &to)
-{
-    QFile::remove(to);
-    return QFile::copy(from, to);
-}
-
 // The theme table and its .cpg as they were before the join.
 struct Backup {
     QString dbf;
@@ -148,7 +143,7 @@ struct Backup {
     bool take()
     {
         hasCpg = QFileInfo::exists(themeCpg);
-        taken = copyReplacing(themeDbf, dbf) && (!hasCpg || copyReplacing(themeCpg, cpg));
+        taken = copyFileReplacing(themeDbf, dbf).ok() && (!hasCpg || copyFileReplacing(themeCpg, cpg).ok());
         return taken;
     }
     void restore() const
@@ -207,12 +202,12 @@ Result<JoinOutcome> Execute_Join(const ReferenceDb &db, const JoinRequest &reque
         readFile = request.sourceType == JoinSourceType::Text ? QStringLiteral("Copia.txt") : QStringLiteral("Copia.dbf");
         work.sourceCopy = request.sourceFolder + QLatin1Char('/') + readFile;
         const QString original = resolveCaseInsensitive(request.sourceFolder, request.sourceFile);
-        if (!copyReplacing(original, work.sourceCopy))
+        if (!copyFileReplacing(original, work.sourceCopy))
             return joinError(JoinError::PathFailed);
         if (request.sourceType == JoinSourceType::DbaseIV) {
             const QString cpg = cpgPathFor(original);
             if (QFileInfo::exists(cpg))
-                copyReplacing(cpg, request.sourceFolder + QStringLiteral("/Copia.cpg"));
+                (void)copyFileReplacing(cpg, request.sourceFolder + QStringLiteral("/Copia.cpg"));
         }
     }
 
