@@ -105,6 +105,23 @@ private slots:
         QVERIFY(near(at(img, 5, 5), kWhite));  // no value: default transparent
     }
 
+    void valueMapMatchesNumbersFirstValueWinning()
+    {
+        ValueMapRenderer r;
+        r.field = QStringLiteral("VAL");
+        r.setValueCount(3);
+        r.setValue(0, QStringLiteral("25,0"));
+        r.symbol(0).color = 255;
+        r.setValue(1, QStringLiteral("15"));
+        r.symbol(1).color = 16711680;
+        r.setValue(2, QStringLiteral("25"));
+        r.symbol(2).color = 16711680;
+        const QImage img = render(oneLayer(r));
+        QVERIFY(near(at(img, 20, 80), kRed));   // 25: the first of the two equal values
+        QVERIFY(near(at(img, 80, 80), kBlue));  // 15
+        QVERIFY(near(at(img, 5, 5), kWhite));   // 5 has no value
+    }
+
     void classNotDrawnLeavesBackground()
     {
         auto r = ClassBreaksRenderer::fromClasses(QStringLiteral("VAL"),

@@ -138,20 +138,22 @@ ResolvedStyle resolve(const ValueMapRenderer &r, const LayerData &d)
     if (!c)
         return out;
     if (c->isNumeric()) {
-        std::vector<std::pair<double, int>> keys;
+        // The first value that reads as a number wins, as with texts.
+        std::unordered_map<double, int> keys;
         for (int i = 0; i < r.valueCount(); ++i) {
             bool ok = false;
             // Unique values may be written with the Italian decimal comma.
             const double v = QString(r.value(i).trimmed()).replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);
             if (ok)
-                keys.emplace_back(v, i);
+                keys.emplace(v, i);
         }
-        for (int f = 0; f < n; ++f)
-            for (const auto &[v, i] : keys)
-                if (c->numbers[std::size_t(f)] == v && !c->isNull[std::size_t(f)]) {
-                    out.featureSymbol[std::size_t(f)] = i;
-                    break;
-                }
+        for (int f = 0; f < n; ++f) {
+            if (c->isNull[std::size_t(f)])
+                continue;
+            const auto it = keys.find(c->numbers[std::size_t(f)]);
+            if (it != keys.end())
+                out.featureSymbol[std::size_t(f)] = it->second;
+        }
         return out;
     }
     std::unordered_map<QString, int> index;
