@@ -95,11 +95,10 @@ void drawMarker(QPainter &p, QPointF c, const Symbol &s)
     }
 }
 
-void paintLayer(QPainter &painter, const MapLayer &layer, const MapTransform &t, const MapRect &cull,
-                const RenderOptions &o)
+void paintLayer(QPainter &painter, const MapLayer &layer, const ResolvedStyle &style, const MapTransform &t,
+                const MapRect &cull, const RenderOptions &o)
 {
     const LayerData &d = *layer.data;
-    const ResolvedStyle style = resolveStyle(layer.renderer, d);
     const PathBuilder builder(d, t);
     const int n = d.featureCount();
 
@@ -215,10 +214,10 @@ private:
     std::vector<std::vector<QRectF>> m_cells;
 };
 
-}  // namespace
-
-void MapRenderer::paintLayers(QPainter &painter, const MapModel &model, const MapTransform &t, const QRect &clip,
-                              const RenderOptions &o)
+// Paints the layers within `clip`; `styles`, when given, holds the resolved
+// style of every visible layer by index, else each is resolved here.
+void paintLayersIn(QPainter &painter, const MapModel &model, const MapTransform &t, const QRect &clip,
+                   const RenderOptions &o, const std::vector<ResolvedStyle> *styles)
 {
     if (!t.isValid())
         return;
@@ -227,9 +226,23 @@ void MapRenderer::paintLayers(QPainter &painter, const MapModel &model, const Ma
     painter.setRenderHint(QPainter::Antialiasing, o.antialias);
     // Bottom layer (last index) first.
     const auto &layers = model.layers();
-    for (auto it = layers.rbegin(); it != layers.rend(); ++it)
-        if (it->visible && it->data && it->data->extent.intersects(cull))
-            paintLayer(painter, *it, t, cull, o);
+    for (std::size_t i = layers.size(); i-- > 0;) {
+        const MapLayer &layer = layers[i];
+        if (!layer.visible || !layer.data || !layer.data->extent.intersects(cull))
+            continue;
+        if (styles)
+            paintLayer(painter, layer, (*styles)[i], t, cull, o);
+        else
+            paintLayer(painter, layer, resolveStyle(layer.renderer, *layer.data), t, cull, o);
+    }
+}
+
+}  // namespace
+
+void MapRenderer::paintLayers(QPainter &painter, const MapModel &model, const MapTransform &t, const QRect &clip,
+                              const RenderOptions &o)
+{
+    paintLayersIn(painter, model, t, clip, o, nullptr);
 }
 
 void MapRenderer::paintLabels(QPainter &painter, const MapModel &model, const MapTransform &t)
@@ -302,6 +315,13 @@ QImage MapRenderer::renderImage(const MapModel &model, const MapRect &extent, QS
     bands = std::clamp(bands, 1, std::max(1, size.height() / 32));
     const int bandHeight = (size.height() + bands - 1) / bands;
 
+    // Styles are resolved once here rather than again in every band.
+    const auto &layers = model.layers();
+    std::vector<ResolvedStyle> styles(layers.size());
+    for (std::size_t i = 0; i < layers.size(); ++i)
+        if (layers[i].visible && layers[i].data)
+            styles[i] = resolveStyle(layers[i].renderer, *layers[i].data);
+
     auto renderBand = [&](int b) {
         const int y0 = b * bandHeight;
         const int h = std::min(bandHeight, size.height() - y0);
@@ -312,7 +332,7 @@ QImage MapRenderer::renderImage(const MapModel &model, const MapRect &extent, QS
         QImage band(image.scanLine(y0), size.width(), h, image.bytesPerLine(), image.format());
         QPainter p(&band);
         p.translate(0, -y0);
-        paintLayers(p, model, t, QRect(0, y0, size.width(), h), o);
+        paintLayersIn(p, model, t, QRect(0, y0, size.width(), h), o, &styles);
     };
 
     // Bands 1.. go to the thread pool, band 0 is drawn here. A band still
