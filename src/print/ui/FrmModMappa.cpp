@@ -2,7 +2,6 @@
 
 #include "print/ui/PageDialogs.h"
 
-#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -58,7 +57,7 @@ FrmModMappa::FrmModMappa(const MapPageContent &pageContent, FontFamiliesSource f
     layout->addLayout(form);
     layout->addWidget(legendLabel);
     layout->addWidget(m_names, 1);
-    layout->addWidget(pagedlg::okCancel(this));
+    layout->addLayout(pagedlg::okCancel(this));
     resize(440, 380);
 }
 

@@ -2,7 +2,6 @@
 
 #include "print/ui/PageDialogs.h"
 
-#include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -30,7 +29,7 @@ FrmModTesto::FrmModTesto(const MapPageContent &pageContent, FontFamiliesSource f
         if (choosePageFont(this, m_font, m_families))
             m_fontLabel->setText(m_font);
     }));
-    layout->addWidget(pagedlg::okCancel(this));
+    layout->addLayout(pagedlg::okCancel(this));
     resize(420, 300);
 }
 

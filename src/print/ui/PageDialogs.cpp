@@ -1,24 +1,20 @@
 #include "print/ui/PageDialogs.h"
 
+#include "platform/ui/DialogButtons.h"
+
 #include <QDialog>
-#include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 
 namespace mervola::pagedlg {
 
-QDialogButtonBox *okCancel(QDialog *dlg)
+QHBoxLayout *okCancel(QDialog *dlg)
 {
-    auto *box = new QDialogButtonBox(dlg);
-    auto *ok = box->addButton(QStringLiteral("OK"), QDialogButtonBox::AcceptRole);
-    ok->setObjectName(QStringLiteral("cmdOK"));
-    ok->setDefault(true);
-    auto *cancel = box->addButton(QStringLiteral("Annulla"), QDialogButtonBox::RejectRole);
-    cancel->setObjectName(QStringLiteral("cmdAnnulla"));
-    QObject::connect(box, &QDialogButtonBox::accepted, dlg, &QDialog::accept);
-    QObject::connect(box, &QDialogButtonBox::rejected, dlg, &QDialog::reject);
-    return box;
+    const OkCancelRow row = okCancelRow(dlg, QStringLiteral("cmdOK"), QStringLiteral("cmdAnnulla"));
+    QObject::connect(row.ok, &QPushButton::clicked, dlg, &QDialog::accept);
+    QObject::connect(row.cancel, &QPushButton::clicked, dlg, &QDialog::reject);
+    return row.layout;
 }
 
 QHBoxLayout *fontRow(QDialog *dlg, QLabel *label, const QString &caption, const std::function<void()> &onClick)

@@ -5,14 +5,13 @@
 #include <functional>
 
 class QDialog;
-class QDialogButtonBox;
 class QHBoxLayout;
 class QLabel;
 
 namespace mervola::pagedlg {
 
 // "OK" (cmdOK) and "Annulla" (cmdAnnulla) bound to accept and reject.
-QDialogButtonBox *okCancel(QDialog *dlg);
+QHBoxLayout *okCancel(QDialog *dlg);
 // A font button (cmdFont) with the chosen family shown beside it.
 QHBoxLayout *fontRow(QDialog *dlg, QLabel *label, const QString &caption, const std::function<void()> &onClick);
 
