@@ -1,4 +1,5 @@
 #include "app/TemaLabel.h"
+#include "platform/FieldNames.h"
 
 #include "project/SettingsWriters.h"
 
@@ -58,7 +59,7 @@ bool isIndicatorField(const QString &field)
 
 namespace {
 
-bool isPlaceholder(const QString &field) { return field.compare(QLatin1String("DUMMY"), Qt::CaseInsensitive) == 0; }
+bool isPlaceholder(const QString &field) { return isPlaceholderField(field); }
 
 // The structure row of a field in the theme's own table, else in any table.
 const StructureRow *rowOf(const StructureTable &structure, const QString &themeName, const QString &field)

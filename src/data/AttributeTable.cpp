@@ -1,4 +1,5 @@
 #include "data/AttributeTable.h"
+#include "platform/FieldNames.h"
 
 #include "data/AttributeTableTexts.h"
 #include "platform/SqlText.h"
@@ -12,9 +13,8 @@ namespace mervola {
 
 namespace {
 
-const QString kDummy = QStringLiteral("DUMMY");
 
-bool isDummy(const QString &field) { return field.toUpper() == kDummy; }
+bool isDummy(const QString &field) { return isPlaceholderField(field); }
 
 QString valueText(const QVariant &v)
 {

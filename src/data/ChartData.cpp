@@ -1,4 +1,5 @@
 #include "data/ChartData.h"
+#include "platform/FieldNames.h"
 
 #include "data/Statistics.h"
 
@@ -39,7 +40,7 @@ const ChartType *typeAt(int index, bool threeD)
 
 bool isDummy(const QString &name)
 {
-    return name.compare(QLatin1String("DUMMY"), Qt::CaseInsensitive) == 0;
+    return isPlaceholderField(name);
 }
 
 QLocale italianPlain()

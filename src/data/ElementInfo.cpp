@@ -1,4 +1,5 @@
 #include "data/ElementInfo.h"
+#include "platform/FieldNames.h"
 
 #include "platform/SqlText.h"
 
@@ -37,7 +38,7 @@ QList<FoundElement> collectElements(const map::MapModel &model, QPointF mapPoint
         e.theme = layer.name;
         e.feature = hits.front();
         for (const map::Column &c : layer.data->columns) {
-            if (c.name.compare(QLatin1String("DUMMY"), Qt::CaseInsensitive) == 0)
+            if (isPlaceholderField(c.name))
                 continue;
             const QString value = c.text(e.feature);
             if (c.name.compare(QLatin1String("PROG_MONT"), Qt::CaseInsensitive) == 0)
@@ -60,7 +61,7 @@ Result<QList<QPair<QString, QString>>> categoryRow(const ReferenceDb &db, const 
     if (rows->rows.empty())
         return out;
     for (int c = 0; c < rows->columns.size(); ++c) {
-        if (rows->columns[c].compare(QLatin1String("DUMMY"), Qt::CaseInsensitive) == 0)
+        if (isPlaceholderField(rows->columns[c]))
             continue;
         const QVariant v = rows->rows.front()[size_t(c)];
         out.append({rows->columns[c], v.isNull() ? QString() : infoValueText(v.toString())});

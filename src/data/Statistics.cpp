@@ -1,4 +1,5 @@
 #include "data/Statistics.h"
+#include "platform/FieldNames.h"
 
 #include "platform/dbf/DbfFolder.h"
 
@@ -50,7 +51,7 @@ Status checkStatisticsAllowed(int recordCount, const QList<DbfField> &fields)
     if (recordCount < 2)
         return Status::fail(StatText::kTooFewRecords);
     for (const DbfField &f : fields)
-        if (isNumericField(f) && f.name.compare(QLatin1String("DUMMY"), Qt::CaseInsensitive) != 0)
+        if (isNumericField(f) && !isPlaceholderField(f.name))
             return {};
     return Status::fail(StatText::kNoNumericData);
 }

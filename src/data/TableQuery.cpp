@@ -1,4 +1,5 @@
 #include "data/TableQuery.h"
+#include "platform/FieldNames.h"
 
 #include "data/AttributeTableTexts.h"
 #include "platform/SqlText.h"
@@ -12,7 +13,7 @@ QList<QueryField> queryFields(const AttributeTable &table, const IndicatorCatalo
     const bool base = isBaseTable(table.table());
     for (int c = 0; c < table.columnCount(); ++c) {
         const DbfField &f = table.column(c).field;
-        if (f.name.toUpper() == QLatin1String("DUMMY"))
+        if (isPlaceholderField(f.name))
             continue;
         QString shown = f.name;
         if (base) {

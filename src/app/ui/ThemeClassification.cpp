@@ -1,4 +1,5 @@
 #include "app/ui/ThemeClassification.h"
+#include "platform/FieldNames.h"
 
 #include "classify/ClassItems.h"
 #include "project/SettingsWriters.h"
@@ -40,7 +41,7 @@ QList<classify::CandidateField> candidateFields(const map::LayerData &data, cons
     const QList<Indicator> indicators = readIndicators(db);
     QList<classify::CandidateField> first, rest;
     for (const map::Column &c : data.columns) {
-        if (!c.isNumeric() || c.name.compare(QLatin1String("DUMMY"), Qt::CaseInsensitive) == 0)
+        if (!c.isNumeric() || isPlaceholderField(c.name))
             continue;
         if (const Indicator *i = indicatorOf(indicators, c.name)) {
             first.append({c.name, i->description, i->category});

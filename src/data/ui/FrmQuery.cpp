@@ -1,4 +1,5 @@
 #include "data/ui/FrmQuery.h"
+#include "platform/FieldNames.h"
 
 #include "platform/Messages.h"
 
@@ -150,7 +151,7 @@ void FrmQuery::themeChosen(int row)
         return;
     }
     for (const MapQueryField &f : *fields)
-        if (f.name.compare(QLatin1String("DUMMY"), Qt::CaseInsensitive) != 0) { // placeholders are never listed
+        if (!isPlaceholderField(f.name)) { // placeholders are never listed
             m_fields << f;
             m_campi->addItem(f.name);
         }
