@@ -2,6 +2,7 @@
 
 #include "atlas/MountainCommunities.h"
 #include "platform/Profile.h"
+#include "project/PristineSettings.h"
 
 #include <cmath>
 
@@ -53,19 +54,6 @@ std::vector<ThemeSettings> defaultProjectThemes()
     };
 }
 
-std::vector<ThemeSettings> regionThemes(const QStringList &regionCodes)
-{
-    std::vector<ThemeSettings> out;
-    for (const QString &nn : regionCodes) {
-        if (nn != QLatin1String(kRegionWithoutCommunities))
-            out.push_back({QStringLiteral("CMONT_") + nn, QStringLiteral("cmont_") + nn, kCommunitySymbol,
-                           QStringLiteral("I010^0^0^0^"), false});
-        out.push_back({QStringLiteral("COMU_") + nn, QStringLiteral("comu_") + nn, kMunicipalitySymbol,
-                       QStringLiteral("0^0^0^0^"), false});
-    }
-    return out;
-}
-
 QStringList defaultProjectLines(const Extent &e, const QString &workspace)
 {
     QStringList lines = {QStringLiteral("[RLX]"), QStringLiteral("DBFCOMMONT=^"),
@@ -104,15 +92,24 @@ Status writeHomeFiles(const QString &root, const QString &finalRoot, const Exten
                       const QStringList &regionCodes)
 {
     const QString workspace = finalRoot + QStringLiteral("/italia/");
-    std::vector<ThemeSettings> all = defaultProjectThemes();
-    for (ThemeSettings &t : regionThemes(regionCodes))
-        all.push_back(std::move(t));
-    for (const ThemeSettings &t : all)
+    auto writeTheme = [&root](const QString &theme, const QStringList &lines) -> Status {
         for (const char *folder : {"/originali/", "/supporto/"})
-            if (auto s = writeLinesReplacing(root + QLatin1String(folder) + t.theme + QStringLiteral(".ini"),
-                                             settingsLines(t, workspace));
-                !s)
+            if (auto s = writeLinesReplacing(root + QLatin1String(folder) + theme + QStringLiteral(".ini"), lines); !s)
                 return s;
+        return {};
+    };
+    for (const ThemeSettings &t : defaultProjectThemes())
+        if (auto s = writeTheme(t.theme, settingsLines(t, workspace)); !s)
+            return s;
+    // The per-region themes get the same default files start-up writes.
+    for (const QString &nn : regionCodes)
+        for (bool mountain : {true, false}) {
+            if (mountain && nn == QLatin1String(kRegionWithoutCommunities))
+                continue;
+            const QString theme = (mountain ? QStringLiteral("cmont_") : QStringLiteral("comu_")) + nn;
+            if (auto s = writeTheme(theme, pristineThemeLines(finalRoot, nn.toInt(), mountain)); !s)
+                return s;
+        }
     if (auto s = writeLinesReplacing(root + QStringLiteral("/supporto/default.rlx"),
                                      defaultProjectLines(extent, workspace));
         !s)

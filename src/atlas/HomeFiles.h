@@ -23,17 +23,15 @@ QStringList settingsLines(const ThemeSettings &s, const QString &workspace);
 
 // Settings of the all-Italy themes of the default project, bottom layer first.
 std::vector<ThemeSettings> defaultProjectThemes();
-// Settings of the per-region themes (cmont_NN except for the region without
-// communities, comu_NN), as start-up would write them.
-std::vector<ThemeSettings> regionThemes(const QStringList &regionCodes);
 
 // "[RLX]", "DBFCOMMONT=^", "EXTENT=xmin^ymin^xmax^ymax^", then every theme's lines.
 QStringList defaultProjectLines(const Extent &extent, const QString &workspace);
 
 QStringList reportStyleLines();
 
-// Writes the settings files into originali/ and supporto/, default.rlx and
-// stili.ini under `root`; paths inside the files use `finalRoot`.
+// Writes the settings files into originali/ and supporto/ (the per-region
+// cmont_NN and comu_NN ones as pristineThemeLines), default.rlx and stili.ini
+// under `root`; paths inside the files use `finalRoot`.
 Status writeHomeFiles(const QString &root, const QString &finalRoot, const Extent &extent,
                       const QStringList &regionCodes);
 
