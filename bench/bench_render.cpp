@@ -3,7 +3,7 @@
 // communities and regions over them, at 1600 x 1200.
 //
 //   MERVOLA_BENCH_HOME=/path/to/atlas-home ./bench_render
-#include "platform/map/MapRenderer.h"
+#include "map/MapRenderer.h"
 
 #include <QGuiApplication>
 #include <benchmark/benchmark.h>

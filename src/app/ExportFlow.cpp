@@ -1,7 +1,7 @@
 #include "app/ExportFlow.h"
 
 #include "platform/Messages.h"
-#include "platform/map/MapExport.h"
+#include "map/MapExport.h"
 
 #include <QFileInfo>
 

@@ -13,7 +13,7 @@
 // and shows a returned error in a critical box (style 16).
 
 #include "platform/Result.h"
-#include "platform/map/MapModel.h"
+#include "map/MapModel.h"
 
 #include <QSize>
 #include <QString>

@@ -3,7 +3,7 @@
 // window (or the command line) supplies what happens on refresh, caption
 // and legend changes.
 
-#include "platform/map/MapModel.h"
+#include "map/MapModel.h"
 #include "project/MapHost.h"
 
 #include <functional>

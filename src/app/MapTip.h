@@ -6,7 +6,7 @@
 // tick shows the tip only when the cursor still stands where it was when the
 // timer was armed. Timer, panel and map are injected so that tests drive them.
 
-#include "platform/map/MapModel.h"
+#include "map/MapModel.h"
 
 #include <QObject>
 #include <QPoint>

@@ -4,7 +4,7 @@
 
 #include "platform/AtlasHome.h"
 #include "platform/Result.h"
-#include "platform/map/MapModel.h"
+#include "map/MapModel.h"
 
 namespace mervola {
 

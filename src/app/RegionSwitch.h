@@ -10,7 +10,7 @@
 #include "app/Regions.h"
 #include "platform/AtlasHome.h"
 #include "platform/Result.h"
-#include "platform/map/MapModel.h"
+#include "map/MapModel.h"
 
 #include <QStringList>
 #include <optional>

@@ -3,7 +3,7 @@
 // After every Push and Pop, MenuChoiceStatus reports whether "previous view"
 // can be used (at least one entry).
 
-#include "platform/map/MapTypes.h"
+#include "map/MapTypes.h"
 
 #include <functional>
 #include <vector>

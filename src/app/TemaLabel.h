@@ -5,7 +5,7 @@
 // commands: SetLabelProperties (labels on) and RemoveLabels (labels off).
 
 #include "platform/Result.h"
-#include "platform/map/MapModel.h"
+#include "map/MapModel.h"
 #include "project/StructureTable.h"
 
 #include <QList>

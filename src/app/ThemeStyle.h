@@ -3,7 +3,7 @@
 // into the map layer's renderers, and back into the symbol fields that the
 // settings writers store.
 
-#include "platform/map/MapModel.h"
+#include "map/MapModel.h"
 #include "project/ThemeSettings.h"
 
 namespace mervola {

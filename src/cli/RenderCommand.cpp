@@ -2,8 +2,8 @@
 
 #include "app/ProjectView.h"
 #include "cli/Commands.h"
-#include "platform/map/MapExport.h"
-#include "platform/map/MapRenderer.h"
+#include "map/MapExport.h"
+#include "map/MapRenderer.h"
 
 #include <QFileInfo>
 #include <QGuiApplication>

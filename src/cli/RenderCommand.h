@@ -3,7 +3,7 @@
 
 #include "platform/AtlasHome.h"
 #include "platform/Result.h"
-#include "platform/map/MapModel.h"
+#include "map/MapModel.h"
 
 #include <QImage>
 

@@ -3,7 +3,7 @@
 // element's fields and values; and the texts the information window shows.
 
 #include "platform/Result.h"
-#include "platform/map/MapModel.h"
+#include "map/MapModel.h"
 #include "project/ReferenceDb.h"
 
 #include <QList>

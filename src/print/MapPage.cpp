@@ -2,7 +2,7 @@
 
 #include "platform/NumberText.h"
 
-#include "platform/map/MapRenderer.h"
+#include "map/MapRenderer.h"
 #include "print/MapPageParts.h"
 
 #include <QDate>

@@ -12,7 +12,7 @@
 // a 1200 dpi PDF look alike.
 
 #include "platform/Result.h"
-#include "platform/map/MapModel.h"
+#include "map/MapModel.h"
 
 #include <QColor>
 #include <QPageLayout>

@@ -3,7 +3,7 @@
 #include "platform/Messages.h"
 #include "platform/SqlText.h"
 #include "platform/dbf/DbfTable.h"
-#include "platform/map/MapModel.h"
+#include "map/MapModel.h"
 #include "project/JoinSource.h"
 #include "project/JoinStaging.h"
 #include "project/PristineSettings.h"

@@ -1,7 +1,7 @@
 // Map tips: the caption tables, which layers give tips, and the debounce of
 // the mouse through the tip timer.
 #include "app/MapTip.h"
-#include "platform/test_map_fixtures.h"
+#include "map/test_map_fixtures.h"
 
 #include <QTimer>
 #include <QtTest>

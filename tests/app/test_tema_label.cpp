@@ -6,7 +6,7 @@
 #include "atlas/AtlasBuilder.h"
 #include "platform/Messages.h"
 #include "platform/Profile.h"
-#include "platform/test_map_fixtures.h"
+#include "map/test_map_fixtures.h"
 #include "project/ProjectFile.h"
 #include "support/TestSupport.h"
 

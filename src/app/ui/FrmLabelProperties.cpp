@@ -2,7 +2,7 @@
 #include "platform/ui/DialogButtons.h"
 
 #include "platform/Messages.h"
-#include "platform/map/MapTypes.h"
+#include "map/MapTypes.h"
 #include "print/ui/FrmFont.h"
 #include "project/Indicators.h"
 #include "project/ProjectFile.h"

@@ -9,7 +9,7 @@
 #include "app/ui/MapTipPanel.h"
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
-#include "platform/ui/MapWidget.h"
+#include "map/ui/MapWidget.h"
 #include "project/JoinTheme.h"
 #include "project/ProjectFile.h"
 

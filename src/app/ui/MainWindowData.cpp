@@ -8,7 +8,7 @@
 #include "platform/Messages.h"
 #include "platform/SqlText.h"
 #include "platform/ui/LegendView.h"
-#include "platform/ui/MapWidget.h"
+#include "map/ui/MapWidget.h"
 #include "print/ui/ReportPreview.h"
 #include "project/JoinTheme.h"
 #include "project/ProjectFile.h"

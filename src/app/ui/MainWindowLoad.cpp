@@ -5,7 +5,7 @@
 #include "app/ui/MainWindow.h"
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
-#include "platform/ui/MapWidget.h"
+#include "map/ui/MapWidget.h"
 #include "app/ThemeStyle.h"
 #include "project/ProjectFile.h"
 #include "project/ReferenceDb.h"

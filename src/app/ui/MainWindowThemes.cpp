@@ -12,7 +12,7 @@
 #include "classify/ColumnReader.h"
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
-#include "platform/ui/MapWidget.h"
+#include "map/ui/MapWidget.h"
 #include "data/Search.h"
 #include "data/ui/FrmInfor.h"
 #include "data/ui/FrmSearch.h"

@@ -1,6 +1,6 @@
 #include "app/ui/MapTipPanel.h"
 
-#include "platform/ui/MapWidget.h"
+#include "map/ui/MapWidget.h"
 
 #include <QCursor>
 #include <QHBoxLayout>

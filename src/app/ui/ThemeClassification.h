@@ -6,7 +6,7 @@
 #include "classify/ClassRange.h"
 #include "classify/ui/ClassificationDialog.h"
 #include "classify/ui/LegendEditor.h"
-#include "platform/map/LayerData.h"
+#include "map/LayerData.h"
 #include "project/ReferenceDb.h"
 #include "project/StructureTable.h"
 #include "project/ThemeSettings.h"

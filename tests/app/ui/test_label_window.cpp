@@ -2,7 +2,7 @@
 // out, OK running SetLabelProperties and the font button without fonts.
 #include "app/ui/FrmLabelProperties.h"
 #include "platform/Messages.h"
-#include "platform/test_map_fixtures.h"
+#include "map/test_map_fixtures.h"
 
 #include <QComboBox>
 #include <QLineEdit>

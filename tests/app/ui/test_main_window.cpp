@@ -4,7 +4,7 @@
 #include "atlas/AtlasBuilder.h"
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
-#include "platform/ui/MapWidget.h"
+#include "map/ui/MapWidget.h"
 #include "support/TestSupport.h"
 
 #include <QAction>

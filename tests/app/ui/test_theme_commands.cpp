@@ -8,7 +8,7 @@
 #include "data/ui/FrmDbf.h"
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
-#include "platform/ui/MapWidget.h"
+#include "map/ui/MapWidget.h"
 #include "project/ProjectFile.h"
 
 #include <QAction>

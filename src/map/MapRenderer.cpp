@@ -1,0 +1,369 @@
+#include "map/MapRenderer.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QSemaphore>
+#include <QThreadPool>
+#include <cmath>
+
+namespace mervola::map {
+
+namespace {
+
+constexpr int kFeaturesPerPath = 128;
+
+// Builds device paths for one layer, one path per symbol.
+class PathBuilder {
+public:
+    PathBuilder(const LayerData &d, const MapTransform &t) : m_d(d), m_t(t)
+    {
+        const MapRect &e = t.extent();
+        m_left = e.left();
+        m_top = e.top();
+        m_inv = 1.0 / t.unitsPerPixel();
+    }
+
+    // Appends the rings of feature f; rings are closed for polygons.
+    void append(QPainterPath &path, int f, bool close) const
+    {
+        const std::size_t fi = std::size_t(f);
+        for (std::uint32_t r = m_d.featureRing[fi]; r < m_d.featureRing[fi + 1]; ++r) {
+            const std::uint32_t a = m_d.ringStart[r], b = m_d.ringStart[r + 1];
+            if (a == b)
+                continue;
+            const double *p = m_d.xy.data();
+            double lx = (p[2 * a] - m_left) * m_inv, ly = (m_top - p[2 * a + 1]) * m_inv;
+            path.moveTo(lx, ly);
+            int kept = 1;
+            for (std::uint32_t i = a + 1; i < b; ++i) {
+                const double x = (p[2 * i] - m_left) * m_inv, y = (m_top - p[2 * i + 1]) * m_inv;
+                // Drop vertices within half a pixel of the last kept one,
+                // but always keep a ring's last vertex.
+                if (std::abs(x - lx) + std::abs(y - ly) < 0.5 && i + 1 < b)
+                    continue;
+                path.lineTo(x, y);
+                lx = x;
+                ly = y;
+                ++kept;
+            }
+            if (close && kept > 1)
+                path.closeSubpath();
+        }
+    }
+
+    QPointF device(int vertex) const
+    {
+        return {(m_d.xy[2 * std::size_t(vertex)] - m_left) * m_inv, (m_top - m_d.xy[2 * std::size_t(vertex) + 1]) * m_inv};
+    }
+
+private:
+    const LayerData &m_d;
+    const MapTransform &m_t;
+    double m_left, m_top, m_inv;
+};
+
+QPen outlinePen(const Symbol &s)
+{
+    QPen pen(colorFromValue(s.outlineColor));
+    // Polygon outlines are a thin anti-aliased line, light enough that a
+    // dense area of small municipalities still shows its colours.
+    pen.setWidthF(s.symbolType == SymbolType::Fill ? 0.6 : std::max(1, s.size));
+    pen.setCosmetic(true);
+    return pen;
+}
+
+QBrush fillBrush(const Symbol &s)
+{
+    return QBrush(colorFromValue(s.color), fillBrushStyle(s.style));
+}
+
+void drawMarker(QPainter &p, QPointF c, const Symbol &s)
+{
+    const double r = std::max(2, s.size) / 2.0;
+    switch (s.style) {
+    case 1: p.drawRect(QRectF(c.x() - r, c.y() - r, 2 * r, 2 * r)); break;
+    case 2: {
+        const QPointF tri[3] = {{c.x(), c.y() - r}, {c.x() + r, c.y() + r}, {c.x() - r, c.y() + r}};
+        p.drawPolygon(tri, 3);
+        break;
+    }
+    case 3:
+        p.drawLine(QPointF(c.x() - r, c.y()), QPointF(c.x() + r, c.y()));
+        p.drawLine(QPointF(c.x(), c.y() - r), QPointF(c.x(), c.y() + r));
+        break;
+    default: p.drawEllipse(c, r, r); break;
+    }
+}
+
+void paintLayer(QPainter &painter, const MapLayer &layer, const ResolvedStyle &style, const MapTransform &t,
+                const MapRect &cull, const RenderOptions &o)
+{
+    const LayerData &d = *layer.data;
+    const PathBuilder builder(d, t);
+    const int n = d.featureCount();
+
+    if (d.kind == GeometryKind::Point) {
+        for (int f = 0; f < n; ++f) {
+            const int s = style.featureSymbol[std::size_t(f)];
+            if (s < 0 || !d.boxes[std::size_t(f)].intersects(cull))
+                continue;
+            const Symbol &sym = style.symbols[std::size_t(s)];
+            painter.setPen(QPen(colorFromValue(sym.color)));
+            painter.setBrush(QBrush(colorFromValue(sym.color)));
+            for (std::uint32_t r = d.featureRing[std::size_t(f)]; r < d.featureRing[std::size_t(f) + 1]; ++r)
+                for (std::uint32_t v = d.ringStart[r]; v < d.ringStart[r + 1]; ++v)
+                    drawMarker(painter, builder.device(int(v)), sym);
+        }
+    } else {
+        const bool polygons = d.kind == GeometryKind::Polygon;
+        std::vector<QPainterPath> paths(style.symbols.size());
+        std::vector<int> inPath(style.symbols.size(), 0);
+        // Filled chunks kept for the outline pass that follows all fills.
+        std::vector<std::pair<std::size_t, QPainterPath>> outlines;
+        auto flush = [&](std::size_t s) {
+            QPainterPath &path = paths[s];
+            if (path.isEmpty())
+                return;
+            const Symbol &sym = style.symbols[s];
+            if (fillBrushStyle(sym.style) != Qt::NoBrush) {
+                // An outlined fill needs no anti-aliasing of its own: the
+                // anti-aliased outline covers its edge.
+                painter.setRenderHint(QPainter::Antialiasing, o.antialias && !sym.outline);
+                painter.fillPath(path, fillBrush(sym));
+            }
+            if (sym.outline)
+                outlines.emplace_back(s, std::move(path));
+            path = QPainterPath();
+            path.setFillRule(Qt::OddEvenFill);
+            inPath[s] = 0;
+        };
+        for (QPainterPath &p : paths)
+            p.setFillRule(Qt::OddEvenFill);
+        for (int f = 0; f < n; ++f) {
+            const int s = style.featureSymbol[std::size_t(f)];
+            if (s < 0 || !d.boxes[std::size_t(f)].intersects(cull))
+                continue;
+            builder.append(paths[std::size_t(s)], f, polygons);
+            // Qt rasterises many moderate paths much faster than one huge one.
+            if (polygons && ++inPath[std::size_t(s)] >= kFeaturesPerPath)
+                flush(std::size_t(s));
+        }
+        if (polygons) {
+            painter.setPen(Qt::NoPen);
+            for (std::size_t s = 0; s < paths.size(); ++s)
+                flush(s);
+            painter.setRenderHint(QPainter::Antialiasing, o.antialias);
+            painter.setBrush(Qt::NoBrush);
+            for (const auto &[s, path] : outlines)
+                painter.strokePath(path, outlinePen(style.symbols[s]));
+        } else {
+            for (std::size_t s = 0; s < paths.size(); ++s) {
+                if (paths[s].isEmpty())
+                    continue;
+                const Symbol &sym = style.symbols[s];
+                QPen pen(colorFromValue(sym.color), std::max(1, sym.size), linePenStyle(sym.style));
+                pen.setCosmetic(true);
+                painter.strokePath(paths[s], pen);
+            }
+        }
+    }
+
+    if (layer.selection.empty())
+        return;
+    QPainterPath sel;
+    sel.setFillRule(Qt::OddEvenFill);
+    for (int f : layer.selection)
+        if (f >= 0 && f < n && d.boxes[std::size_t(f)].intersects(cull))
+            builder.append(sel, f, d.kind == GeometryKind::Polygon);
+    if (sel.isEmpty())
+        return;
+    QPen pen(o.selectionColor.darker(150));
+    pen.setCosmetic(true);
+    pen.setWidthF(d.kind == GeometryKind::Line ? 3 : 1);
+    if (d.kind == GeometryKind::Polygon)
+        painter.fillPath(sel, o.selectionColor);
+    else if (d.kind == GeometryKind::Line)
+        pen.setColor(o.selectionColor);
+    painter.strokePath(sel, pen);
+}
+
+// Coarse occupancy grid for label collision tests.
+class LabelSpace {
+public:
+    explicit LabelSpace(QSize device) : m_cols(std::max(1, device.width() / kCell + 1)), m_rows(std::max(1, device.height() / kCell + 1)), m_cells(std::size_t(m_cols * m_rows)) {}
+
+    bool tryPlace(const QRectF &r)
+    {
+        const int c0 = cell(r.left(), m_cols), c1 = cell(r.right(), m_cols);
+        const int r0 = cell(r.top(), m_rows), r1 = cell(r.bottom(), m_rows);
+        for (int y = r0; y <= r1; ++y)
+            for (int x = c0; x <= c1; ++x)
+                for (const QRectF &o : m_cells[std::size_t(y * m_cols + x)])
+                    if (o.intersects(r))
+                        return false;
+        for (int y = r0; y <= r1; ++y)
+            for (int x = c0; x <= c1; ++x)
+                m_cells[std::size_t(y * m_cols + x)].push_back(r);
+        return true;
+    }
+
+private:
+    static constexpr int kCell = 64;
+    static int cell(double v, int n) { return std::clamp(int(v) / kCell, 0, n - 1); }
+    int m_cols, m_rows;
+    std::vector<std::vector<QRectF>> m_cells;
+};
+
+// Paints the layers within `clip`; `styles`, when given, holds the resolved
+// style of every visible layer by index, else each is resolved here.
+void paintLayersIn(QPainter &painter, const MapModel &model, const MapTransform &t, const QRect &clip,
+                   const RenderOptions &o, const std::vector<ResolvedStyle> *styles)
+{
+    if (!t.isValid())
+        return;
+    // Two pixels of margin so that outlines of features just outside show.
+    const MapRect cull = t.toMap(QRectF(clip).adjusted(-2, -2, 2, 2));
+    painter.setRenderHint(QPainter::Antialiasing, o.antialias);
+    // Bottom layer (last index) first.
+    const auto &layers = model.layers();
+    for (std::size_t i = layers.size(); i-- > 0;) {
+        const MapLayer &layer = layers[i];
+        if (!layer.visible || !layer.data || !layer.data->extent.intersects(cull))
+            continue;
+        if (styles)
+            paintLayer(painter, layer, (*styles)[i], t, cull, o);
+        else
+            paintLayer(painter, layer, resolveStyle(layer.renderer, *layer.data), t, cull, o);
+    }
+}
+
+}  // namespace
+
+void MapRenderer::paintLayers(QPainter &painter, const MapModel &model, const MapTransform &t, const QRect &clip,
+                              const RenderOptions &o)
+{
+    paintLayersIn(painter, model, t, clip, o, nullptr);
+}
+
+void MapRenderer::paintLabels(QPainter &painter, const MapModel &model, const MapTransform &t)
+{
+    if (!t.isValid())
+        return;
+    const MapRect &view = t.extent();
+    LabelSpace space(t.deviceSize());
+    painter.setRenderHint(QPainter::TextAntialiasing, true);
+    for (const MapLayer &layer : model.layers()) {
+        if (!layer.visible || !layer.data || !layer.labels.enabled())
+            continue;
+        const LayerData &d = *layer.data;
+        const Column *c = d.column(layer.labels.field);
+        if (!c)
+            continue;
+        QFont font(layer.labels.fontFamily);
+        font.setPointSizeF(std::max(1.0, layer.labels.height));
+        painter.setFont(font);
+        painter.setPen(colorFromValue(layer.labels.color));
+        const QFontMetricsF fm(font, painter.device());
+        for (int f = 0; f < d.featureCount(); ++f) {
+            if (!d.boxes[std::size_t(f)].intersects(view))
+                continue;
+            const QString text = c->text(f);
+            if (text.isEmpty())
+                continue;
+            const QPointF at = t.toDevice(labelPoint(d, f));
+            QRectF box = fm.boundingRect(text);
+            box.moveCenter(at);
+            if (layer.labels.rotation != 0) {
+                // Rotated labels reserve the box of their rotated rectangle.
+                QTransform rot;
+                rot.translate(at.x(), at.y()).rotate(-layer.labels.rotation).translate(-at.x(), -at.y());
+                box = rot.mapRect(box);
+            }
+            if (!space.tryPlace(box))
+                continue;
+            painter.save();
+            painter.translate(at);
+            painter.rotate(-layer.labels.rotation);
+            const QRectF local = fm.boundingRect(text);
+            painter.drawText(QPointF(-local.width() / 2, fm.ascent() - local.height() / 2), text);
+            painter.restore();
+        }
+    }
+}
+
+void MapRenderer::paint(QPainter &painter, const MapModel &model, const MapTransform &t, const RenderOptions &o)
+{
+    paintLayers(painter, model, t, QRect(QPoint(0, 0), t.deviceSize()), o);
+    if (o.labels)
+        paintLabels(painter, model, t);
+}
+
+QImage MapRenderer::renderImage(const MapModel &model, const MapRect &extent, QSize size, const RenderOptions &o)
+{
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        return image;
+    image.fill(o.background);
+    const MapTransform t(extent, size);
+    if (!t.isValid())
+        return image;
+
+    // Two bands per core by default: the north of Italy holds far more
+    // vertices than the south, and the thread that finishes first takes
+    // the bands still queued, which evens out the load.
+    int bands = o.bands > 0 ? o.bands : 2 * std::max(1, QThreadPool::globalInstance()->maxThreadCount());
+    bands = std::clamp(bands, 1, std::max(1, size.height() / 32));
+    const int bandHeight = (size.height() + bands - 1) / bands;
+
+    // Styles are resolved once here rather than again in every band.
+    const auto &layers = model.layers();
+    std::vector<ResolvedStyle> styles(layers.size());
+    for (std::size_t i = 0; i < layers.size(); ++i)
+        if (layers[i].visible && layers[i].data)
+            styles[i] = resolveStyle(layers[i].renderer, *layers[i].data);
+
+    auto renderBand = [&](int b) {
+        const int y0 = b * bandHeight;
+        const int h = std::min(bandHeight, size.height() - y0);
+        if (h <= 0)
+            return;
+        // The band image is a view on rows y0 .. y0 + h of the result, so
+        // composing the bands costs nothing.
+        QImage band(image.scanLine(y0), size.width(), h, image.bytesPerLine(), image.format());
+        QPainter p(&band);
+        p.translate(0, -y0);
+        paintLayersIn(p, model, t, QRect(0, y0, size.width(), h), o, &styles);
+    };
+
+    // Bands 1.. go to the thread pool, band 0 is drawn here. A band still
+    // queued when this thread is done is taken back and drawn here too, so a
+    // busy pool never leaves us waiting.
+    QThreadPool *pool = QThreadPool::globalInstance();
+    std::vector<std::unique_ptr<QRunnable>> jobs;
+    QSemaphore done;
+    for (int b = 1; b < bands; ++b) {
+        jobs.emplace_back(QRunnable::create([&renderBand, &done, b] {
+            renderBand(b);
+            done.release();
+        }));
+        jobs.back()->setAutoDelete(false);
+        pool->start(jobs.back().get());
+    }
+    renderBand(0);
+    int pending = bands - 1;
+    for (auto &job : jobs)
+        if (pool->tryTake(job.get())) {
+            job->run();
+            done.acquire();
+            --pending;
+        }
+    done.acquire(pending);
+
+    if (o.labels) {
+        QPainter p(&image);
+        paintLabels(p, model, t);
+    }
+    return image;
+}
+
+}  // namespace mervola::map
