@@ -17,7 +17,7 @@ FieldColumn population()
 {
     FieldColumn c;
     c.name = QStringLiteral("POP2022");
-    QFile f(QStringLiteral(MERVOLA_SOURCE_DIR "/../shared/atlas-src/comuni_attributi.csv"));
+    QFile f(QStringLiteral(MERVOLA_SOURCE_DIR "/data/sources/comuni_attributi.csv"));
     if (f.open(QIODevice::ReadOnly)) {
         const QList<QByteArray> header = f.readLine().trimmed().split(',');
         const int col = header.indexOf("pop_residente_2022");

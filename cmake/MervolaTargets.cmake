@@ -41,16 +41,25 @@ function(mervola_widgets_library)
   target_precompile_headers(mervola_widgets PRIVATE <QtWidgets/QtWidgets>)
 endfunction()
 
+# The helpers every test uses, compiled once: tests/support/*.cpp.
+function(mervola_test_support_library)
+  file(GLOB srcs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/support/*.cpp)
+  add_library(mervola_testsupport STATIC ${srcs})
+  target_include_directories(mervola_testsupport PUBLIC ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(mervola_testsupport PUBLIC Qt6::Core Qt6::Test)
+  target_compile_definitions(mervola_testsupport PUBLIC
+    MERVOLA_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+    MERVOLA_BINARY_DIR="${PROJECT_BINARY_DIR}"
+    MERVOLA_CLI="$<TARGET_FILE:mervola-cli>"
+    MERVOLA_APP="$<TARGET_FILE_DIR:mervola-cli>/mervola")
+  add_dependencies(mervola_testsupport mervola-cli)
+endfunction()
+
 # add_mervola_test(NAME SOURCES ... LIBS ... [NEEDS_GUI])
 function(add_mervola_test name)
   cmake_parse_arguments(T "NEEDS_GUI" "" "SOURCES;LIBS" ${ARGN})
-  add_executable(${name} ${T_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/TestSupport.cpp)
-  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE ${T_LIBS} Qt6::Test)
-  target_compile_definitions(${name} PRIVATE
-    MERVOLA_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
-    MERVOLA_CLI="$<TARGET_FILE:mervola-cli>"
-    MERVOLA_APP="$<TARGET_FILE_DIR:mervola-cli>/mervola")
+  add_executable(${name} ${T_SOURCES})
+  target_link_libraries(${name} PRIVATE ${T_LIBS} mervola_testsupport Qt6::Test)
   add_test(NAME ${name} COMMAND ${name})
   set(env "QT_QPA_PLATFORM=offscreen;ASAN_OPTIONS=detect_leaks=0")
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "${env}" TIMEOUT 600)
@@ -59,6 +68,7 @@ endfunction()
 # Every tests/<area>/test_*.cpp is one test linked to that area's library;
 # every tests/<area>/ui/test_*.cpp is a widget test.
 function(mervola_register_tests)
+  mervola_test_support_library()
   foreach(area ${MERVOLA_AREAS})
     file(GLOB tests CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/${area}/test_*.cpp)
     foreach(t ${tests})

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Builds Mervola, builds the atlas home from ../shared/atlas-src (or the
-# demo atlas when that folder is absent) and starts the application.
+# Builds Mervola, builds the atlas home of all Italy from the sources in
+# data/sources and starts the application.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup.sh
@@ -8,13 +8,8 @@ cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build build -j "$(nproc)"
 
 HOME_DIR="${MERVOLA_HOME:-$PWD/build/atlas-home}"
-SOURCES="$PWD/../shared/atlas-src"
 if [ ! -f "$HOME_DIR/dati/mervola.sqlite" ]; then
-  if [ -f "$SOURCES/comuni_attributi.csv" ]; then
-    ./build/mervola-cli build-atlas --sources "$SOURCES" --home "$HOME_DIR"
-  else
-    ./build/mervola-cli build-atlas --demo --home "$HOME_DIR"
-  fi
+  ./build/mervola-cli build-atlas --sources "$PWD/data/sources" --home "$HOME_DIR"
 fi
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
   exec xvfb-run -a -s "-screen 0 1600x1200x24" ./build/mervola --home "$HOME_DIR" "$@"

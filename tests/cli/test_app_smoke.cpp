@@ -65,6 +65,17 @@ private slots:
         QVERIFY2(err.contains(QStringLiteral("Mappa disegnata")), qPrintable(err));
     }
 
+    void startsOnTheRealAtlasOfAllItaly()
+    {
+        QTemporaryDir dir;
+        const QString home = dir.filePath(QStringLiteral("italia"));
+        QVERIFY(test::copyRealAtlas(home));
+        QVERIFY(test::readFile(home + QStringLiteral("/supporto/default.rlx")).contains(home.toUtf8() + "/italia/"));
+        QString err;
+        QCOMPARE(runApp(home, &err), 0);
+        QVERIFY2(err.contains(QStringLiteral("Mappa disegnata")), qPrintable(err));
+    }
+
     void secondCopyIsRefusedAndWritesNothing()
     {
         QLockFile running(m_home + QStringLiteral("/.mervola.lock"));

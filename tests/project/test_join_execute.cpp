@@ -162,9 +162,7 @@ private slots:
 
     void accessTableJoins()
     {
-        const QString mdb = atlasSourceDir() + QStringLiteral("/fixtures/indexTestV2000.mdb");
-        if (atlasSourceDir().isEmpty() || !QFile::exists(mdb))
-            QSKIP("Access fixture not available");
+        const QString mdb = fixturePath(QStringLiteral("indexTestV2000.mdb"));
         JoinFixture fx;
         QVERIFY(QFile::copy(mdb, fx.extFolder() + QStringLiteral("/index.mdb")));
         auto tables = accessTableNames(fx.extFolder() + QStringLiteral("/index.mdb"));
@@ -187,7 +185,7 @@ private slots:
         QCOMPARE(listed->value(0, QStringLiteral("NOMETABELLA")).toString(), QStringLiteral("Table2"));
 
         // Text of a Jet 4 file comes back as Unicode.
-        auto unicode = readAccessTable(atlasSourceDir() + QStringLiteral("/fixtures/testUnicodeCompV2003.mdb"),
+        auto unicode = readAccessTable(fixturePath(QStringLiteral("testUnicodeCompV2003.mdb")),
                                        QStringLiteral("Table"));
         QVERIFY(unicode.ok());
         QCOMPARE(unicode->table.rows[1][1].toString(), QStringLiteral("ääkkösiä"));

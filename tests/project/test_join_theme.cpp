@@ -5,7 +5,7 @@
 
 #include "atlas/AtlasBuilder.h"
 #include "platform/Messages.h"
-#include "platform/map/MapModel.h"
+#include "map/MapModel.h"
 #include "project/JoinTheme.h"
 #include "project/PristineSettings.h"
 #include "project/ThemeSettings.h"

@@ -1,16 +1,83 @@
 #include "support/TestSupport.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QProcess>
 
 namespace mervola::test {
 
 QString atlasSourceDir()
 {
-    const QString d = QDir::cleanPath(QStringLiteral(MERVOLA_SOURCE_DIR) + QStringLiteral("/../shared/atlas-src"));
-    return QFileInfo(d + QStringLiteral("/comuni_attributi.csv")).isFile() ? d : QString();
+    return QStringLiteral(MERVOLA_SOURCE_DIR "/data/sources");
+}
+
+QString fixturePath(const QString &name)
+{
+    return QStringLiteral(MERVOLA_SOURCE_DIR "/tests/fixtures/") + name;
+}
+
+namespace {
+
+// What the cached atlas was built by: the builder's size and time.
+QByteArray builderStamp()
+{
+    const QFileInfo cli(QStringLiteral(MERVOLA_CLI));
+    return QByteArray::number(cli.size()) + ' ' + QByteArray::number(cli.lastModified().toMSecsSinceEpoch());
+}
+
+// The real atlas home of this build tree, built when missing or stale.
+QString realAtlasTemplate()
+{
+    const QString home = QStringLiteral(MERVOLA_BINARY_DIR "/test-atlas/real");
+    QDir().mkpath(QFileInfo(home).path());
+    QLockFile lock(home + QStringLiteral(".lock"));
+    lock.setStaleLockTime(0);
+    if (!lock.lock())
+        return QString();
+    const QString stampPath = home + QStringLiteral(".stamp");
+    if (readFile(stampPath) == builderStamp() && QFileInfo::exists(home + QStringLiteral("/dati/mervola.sqlite")))
+        return home;
+    QDir(home).removeRecursively();
+    QString err;
+    if (runProgram(QStringLiteral(MERVOLA_CLI),
+                   {QStringLiteral("build-atlas"), QStringLiteral("--sources"), atlasSourceDir(),
+                    QStringLiteral("--home"), home},
+                   nullptr, &err, 600000) != 0) {
+        qWarning("build-atlas failed: %s", qPrintable(err));
+        return QString();
+    }
+    writeFile(stampPath, builderStamp());
+    return home;
+}
+
+}  // namespace
+
+bool copyRealAtlas(const QString &dest)
+{
+    const QString from = realAtlasTemplate();
+    if (from.isEmpty())
+        return false;
+    const QString to = QDir::cleanPath(QDir(dest).absolutePath());
+    QDirIterator it(from, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString src = it.next();
+        const QString target = to + src.mid(from.size());
+        QDir().mkpath(QFileInfo(target).path());
+        const QString suffix = QFileInfo(src).suffix().toLower();
+        if (suffix == QLatin1String("ini") || suffix == QLatin1String("rlx")) {
+            QByteArray text = readFile(src);
+            text.replace(from.toUtf8(), to.toUtf8());
+            if (!writeFile(target, text))
+                return false;
+        } else if (!QFile::copy(src, target)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 int runProgram(const QString &program, const QStringList &args, QString *out, QString *err, int timeoutMs)

@@ -125,9 +125,7 @@ private slots:
 
     void accessTableMustBeChosen()
     {
-        const QString mdb = atlasSourceDir() + QStringLiteral("/fixtures/testV1997.mdb");
-        if (atlasSourceDir().isEmpty() || !QFile::exists(mdb))
-            QSKIP("Access fixture not available");
+        const QString mdb = fixturePath(QStringLiteral("testV1997.mdb"));
         JoinFixture fx;
         MessageRecorder recorder;
         ListMdb w(targetOf(fx));
