@@ -96,7 +96,7 @@ QString chosenResultExpression(const QString &value)
 Result<MapQueryResult> runMapQuery(DbfFolder &folder, const QString &table, const QString &condition)
 {
     const QString c = normalizeDecimalComma(condition);
-    if (c.trimmed().isEmpty() || isBareNumber(c))
+    if (c.trimmed().isEmpty() || isBareNumber(c) || !isSingleCondition(c))
         return Error{querytext::kSyntaxError};
     auto rows = folder.query(mapQueryStatement(table, c));
     if (!rows)

@@ -69,6 +69,8 @@ Result<QString> normalizeCondition(const QString &condition)
     c.trimmed().toDouble(&number);
     if (number && !c.trimmed().contains(QLatin1Char(' ')))
         return Result<QString>::fail(texts::kQuerySyntax);
+    if (!isSingleCondition(c))  // a second statement or a comment would swallow the sort order
+        return Result<QString>::fail(texts::kQuerySyntax);
     return c;
 }
 

@@ -19,6 +19,44 @@ QString displayNameToTableName(const QString &displayName)
     return i < 0 ? displayName : displayName.left(i);
 }
 
+bool isSingleCondition(const QString &condition)
+{
+    QChar closing;  // the character that ends the literal or bracket we are in
+    int depth = 0;
+    for (qsizetype i = 0; i < condition.size(); ++i) {
+        const QChar c = condition[i];
+        const QChar next = i + 1 < condition.size() ? condition[i + 1] : QChar();
+        if (!closing.isNull()) {
+            if (c == closing && (closing == QLatin1Char(']') || next != closing))
+                closing = QChar();
+            else if (c == closing)
+                ++i;  // a doubled quote inside the literal
+            continue;
+        }
+        switch (c.unicode()) {
+        case '\'': closing = QLatin1Char('\''); break;
+        case '"': closing = QLatin1Char('"'); break;
+        case '[': closing = QLatin1Char(']'); break;
+        case ';': return false;
+        case '-':
+            if (next == QLatin1Char('-'))
+                return false;
+            break;
+        case '/':
+            if (next == QLatin1Char('*'))
+                return false;
+            break;
+        case '(': ++depth; break;
+        case ')':
+            if (--depth < 0)
+                return false;
+            break;
+        default: break;
+        }
+    }
+    return closing.isNull() && depth == 0;
+}
+
 namespace {
 
 bool isWordChar(QChar c) { return c.isLetterOrNumber() || c == QLatin1Char('_'); }

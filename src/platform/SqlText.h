@@ -13,6 +13,12 @@ QString sqlQuote(const QString &value);
 // -> "comuni"), as used for table and search names.
 QString displayNameToTableName(const QString &displayName);
 
+// A user's condition is one expression: no ";" and no comment ("--", "/*")
+// outside quoted text and brackets, no quote left open, and parentheses that
+// close in order, so that it can neither end the statement it is put into
+// nor hide what the program appends after it (the sort order).
+bool isSingleCondition(const QString &condition);
+
 // Rewrites Jet-only syntax so that SQLite runs the statement:
 // "DELETE * FROM" -> "DELETE FROM", the keywords True/False/Yes/No -> -1/0,
 // "SELECT TOP n ..." -> "... LIMIT n", "&" concatenation -> "||".

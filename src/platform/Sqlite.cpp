@@ -115,11 +115,25 @@ Result<sqlite3_stmt *> SqliteDb::prepare(const QString &sql, const QVariantList 
         return Result<sqlite3_stmt *>::fail(QStringLiteral("Database non aperto."));
     sqlite3_stmt *st = nullptr;
     const QByteArray u = sql.toUtf8();
-    const int rc = sqlite3_prepare_v2(m_db, u.constData(), int(u.size()), &st, nullptr);
+    const char *tail = nullptr;
+    const int rc = sqlite3_prepare_v2(m_db, u.constData(), int(u.size()), &st, &tail);
     if (rc != SQLITE_OK || !st) {
         if (st)
             sqlite3_finalize(st);
         return Result<sqlite3_stmt *>::fail(QStringLiteral("Errore SQL: %1").arg(lastError()), rc);
+    }
+    // One statement only: text after it that is more than blanks, ";" or a
+    // comment would otherwise be dropped without a word.
+    const char *end = u.constData() + u.size();
+    if (tail && tail < end) {
+        sqlite3_stmt *next = nullptr;
+        const int rcNext = sqlite3_prepare_v2(m_db, tail, int(end - tail), &next, nullptr);
+        if (next || rcNext != SQLITE_OK) {
+            sqlite3_finalize(next);
+            sqlite3_finalize(st);
+            return Result<sqlite3_stmt *>::fail(QStringLiteral("Errore SQL: testo dopo la fine dell'istruzione."),
+                                                SQLITE_ERROR);
+        }
     }
     for (int i = 0; i < params.size(); ++i)
         bindValue(st, i + 1, params[i]);

@@ -39,6 +39,31 @@ private slots:
         QFETCH(QString, sqlite);
         QCOMPARE(translateJetSql(jet), sqlite);
     }
+    // A condition is one expression; separators inside text are values.
+    void singleCondition_data()
+    {
+        QTest::addColumn<QString>("condition");
+        QTest::addColumn<bool>("single");
+        QTest::newRow("plain") << "[_02010] > 100000 and ([Label] = 'A' or not [x] < 3)" << true;
+        QTest::newRow("separators in text") << "[Label] = 'a;b -- c /* d' or [n] = \"e;f\"" << true;
+        QTest::newRow("doubled apostrophe") << "[Label] = 'Sant''Elia; x'" << true;
+        QTest::newRow("bracket name") << "[a;b] = 1" << true;
+        QTest::newRow("negative number") << "[x] > - 1" << true;
+        QTest::newRow("second statement") << "[_02010] > 100000; DROP TABLE comuni" << false;
+        QTest::newRow("trailing semicolon") << "[x] = 1;" << false;
+        QTest::newRow("line comment") << "[_02010] > 100000 --" << false;
+        QTest::newRow("block comment") << "[x] = 1 /* y */" << false;
+        QTest::newRow("closes the parenthesis") << "x); DROP TABLE comuni; --" << false;
+        QTest::newRow("escapes the parentheses") << "[x] = 1) or (1 = 1" << false;
+        QTest::newRow("unclosed parenthesis") << "([x] = 1" << false;
+        QTest::newRow("open quote") << "[Label] = 'Roma" << false;
+    }
+    void singleCondition()
+    {
+        QFETCH(QString, condition);
+        QFETCH(bool, single);
+        QCOMPARE(isSingleCondition(condition), single);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestSqlText)
