@@ -2,20 +2,31 @@
 
 #include "platform/AtlasHome.h"
 #include "platform/Messages.h"
+#include "platform/Profile.h"
 #include "platform/SqlText.h"
 #include "platform/dbf/DbfTable.h"
+#include "project/JoinFiles.h"
+#include "project/JoinNames.h"
 #include "project/JoinSource.h"
 #include "project/JoinStaging.h"
+#include "project/JoinTable.h"
 #include "project/PristineSettings.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QHash>
+#include <QTemporaryDir>
 
 namespace mervola {
 
 namespace {
+
+JoinFailureHook &failureHook()
+{
+    static JoinFailureHook hook;
+    return hook;
+}
+
+bool injectedFailure(JoinStep step) { return failureHook() && failureHook()(step); }
 
 Error joinError(int code, const QString &message = {})
 {
@@ -30,149 +41,287 @@ Error joinError(int code, const QString &message = {})
     }
 }
 
-void removeTable(const QString &dbfPath)
-{
-    const QString cpg = cpgPathFor(dbfPath);
-    QFile::remove(dbfPath);
-    QFile::remove(cpg);
-}
-
 // The table's files in the folder, matched without regard to case.
 QString tableIn(const QString &folder, const QString &table)
 {
     return resolveCaseInsensitive(folder, table + QStringLiteral(".dbf"));
 }
 
-// Normalised join key: numbers by value, text trimmed and upper-cased (the
-// engine compares text without regard to case). Null keys match nothing.
-QString keyOf(const QVariant &v)
+void removeTable(const QString &dbfPath)
 {
-    if (v.isNull())
+    QFile::remove(cpgPathFor(dbfPath));
+    QFile::remove(dbfPath);
+}
+
+// One join from its request to the committed bookkeeping. Every file it
+// creates or replaces is noted in `files`, every row it writes goes through
+// the open transaction `tx`; an early return leaves both to roll back.
+class JoinRun {
+public:
+    JoinRun(const ReferenceDb &db, const JoinRequest &request, const std::optional<JoinSettingsFile> &settings)
+        : m_db(db), m_request(request), m_settings(settings)
+    {
+        const QFileInfo shp(request.shapefilePath);
+        m_folder = shp.absolutePath();
+        const QString suffix = shp.suffix().toLower();
+        m_outcome.themeTable = suffix == QLatin1String("shp") || suffix == QLatin1String("dbf") ? shp.completeBaseName()
+                                                                                                : shp.fileName();
+        m_outcome.themeDbf = tableIn(m_folder, m_outcome.themeTable);
+        m_shapefile = shp.fileName();
+    }
+
+    Result<JoinOutcome> run()
+    {
+        if (Status st = copySource(); !st)
+            return st.error();
+        if (Status st = readInputs(); !st)
+            return st.error();
+        if (Status st = buildTables(); !st)
+            return st.error();
+        if (Status st = replaceTheme(); !st)
+            return st.error();
+        if (Status st = rewriteSettings(); !st)
+            return st.error();
+        if (Status st = m_tx.commit(); !st)
+            return joinError(JoinError::Bookkeeping);
+        m_tx.close();
+        m_files.commit();
+        removeWorkingFiles();
+        return m_outcome;
+    }
+
+    ~JoinRun()
+    {
+        if (m_tx.isOpen())
+            (void)m_tx.rollback();
+        m_tx.close();
+        m_files.rollback();
+        removeWorkingFiles();
+    }
+
+private:
+    Status step(JoinStep s, int code)
+    {
+        if (injectedFailure(s))
+            return joinError(code);
         return {};
-    switch (v.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::LongLong:
-    case QMetaType::Double: return QStringLiteral("#") + QString::number(v.toDouble(), 'g', 17);
-    default: break;
     }
-    const QString s = v.toString().trimmed().toUpper();
-    return s.isEmpty() ? QString() : QStringLiteral("$") + s;
-}
 
-// The external table as brought beside the theme table: the included
-// columns, renamed as staged, names cut to the dBase limit.
-Result<DbfTable> selectColumns(const SourceTable &source, const QList<StagedField> &rows)
-{
-    DbfTable out;
-    out.encoding = source.table.encoding;
-    QList<int> columns;
-    for (const StagedField &r : rows) {
-        if (!r.incluso)
-            continue;
-        const int c = source.table.fieldIndex(r.nomeCampo.left(kDbfMaxFieldNameLength));
-        if (c < 0)
-            return joinError(JoinError::SourceFailed);
-        DbfField f = source.table.fields[c];
-        f.name = r.outputName().left(kDbfMaxFieldNameLength);
-        if (out.fieldIndex(f.name) >= 0)
-            return joinError(JoinError::FieldExists);
-        out.fields << f;
-        columns << c;
-    }
-    for (const auto &src : source.table.rows) {
-        std::vector<QVariant> row;
-        row.reserve(std::size_t(columns.size()));
-        for (int c : columns)
-            row.push_back(src[std::size_t(c)]);
-        out.rows.push_back(std::move(row));
-    }
-    return out;
-}
-
-// The column of joinmdb that holds the external key: its name cut to ten
-// characters, or the new name of the staged field it came from.
-int externalKeyColumn(const DbfTable &ext, const QString &field, const QList<StagedField> &rows)
-{
-    const QString cut = field.left(kDbfMaxFieldNameLength);
-    if (int c = ext.fieldIndex(cut); c >= 0)
-        return c;
-    for (const StagedField &r : rows)
-        if (r.incluso && r.nomeCampo.left(kDbfMaxFieldNameLength).toUpper() == cut.toUpper())
-            return ext.fieldIndex(r.outputName().left(kDbfMaxFieldNameLength));
-    return -1;
-}
-
-// theme LEFT JOIN ext ON theme.key = ext.key, every column of both sides.
-Result<DbfTable> leftJoin(const DbfTable &theme, int themeKey, const DbfTable &ext, int extKey)
-{
-    DbfTable out;
-    out.encoding = theme.encoding;
-    out.fields = theme.fields;
-    for (const DbfField &f : ext.fields) {
-        if (out.fieldIndex(f.name) >= 0)
-            return joinError(JoinError::FieldExists);
-        out.fields << f;
-    }
-    QHash<QString, QList<int>> index;
-    for (size_t i = 0; i < ext.rows.size(); ++i)
-        if (const QString k = keyOf(ext.rows[i][std::size_t(extKey)]); !k.isEmpty())
-            index[k] << int(i);
-    const std::vector<QVariant> nulls(std::size_t(ext.columnCount()));
-    for (const auto &row : theme.rows) {
-        const QList<int> matches = index.value(keyOf(row[std::size_t(themeKey)]));
-        const int n = std::max<int>(1, int(matches.size()));
-        for (int m = 0; m < n; ++m) {
-            std::vector<QVariant> joined = row;
-            const auto &add = matches.isEmpty() ? nulls : ext.rows[std::size_t(matches[m])];
-            joined.insert(joined.end(), add.begin(), add.end());
-            out.rows.push_back(std::move(joined));
+    // 2. A copy of a dBase or text source, so that the source file itself
+    // is never opened. Its name never collides with a file of the folder.
+    Status copySource()
+    {
+        m_readFolder = m_request.sourceFolder;
+        m_readFile = m_request.sourceFile;
+        if (m_request.sourceType == JoinSourceType::Access)
+            return step(JoinStep::CopySource, JoinError::PathFailed);
+        const QString original = resolveCaseInsensitive(m_request.sourceFolder, m_request.sourceFile);
+        if (!QFileInfo(original).isFile())
+            return joinError(JoinError::PathFailed);
+        const QString ext = QLatin1Char('.') + QFileInfo(original).suffix();
+        if (!makeCopyIn(m_request.sourceFolder, original, ext)) {
+            m_scratch = std::make_unique<QTemporaryDir>();  // a folder the user may not write to
+            if (!m_scratch->isValid() || !makeCopyIn(m_scratch->path(), original, ext))
+                return joinError(JoinError::PathFailed);
         }
+        return step(JoinStep::CopySource, JoinError::PathFailed);
     }
-    return out;
-}
 
-// The theme table and its .cpg as they were before the join.
-struct Backup {
-    QString dbf;
-    QString cpg;
-    QString themeDbf;
-    QString themeCpg;
-    bool hasCpg = false;
-    bool taken = false;
+    bool makeCopyIn(const QString &folder, const QString &original, const QString &ext)
+    {
+        const QString name = freeWorkingCopyName(folder, ext);
+        const QString copy = folder + QLatin1Char('/') + name;
+        m_workCopies << copy;
+        if (!QFile::copy(original, copy))
+            return false;
+        const QString cpg = cpgPathFor(original);
+        if (m_request.sourceType == JoinSourceType::DbaseIV && QFileInfo::exists(cpg)) {
+            m_workCopies << cpgPathFor(copy);
+            if (!QFile::copy(cpg, cpgPathFor(copy)))
+                return false;
+        }
+        m_readFolder = folder;
+        m_readFile = name;
+        return true;
+    }
 
-    bool take()
+    // 3. The source, the staged column list and the theme table.
+    Status readInputs()
     {
-        hasCpg = QFileInfo::exists(themeCpg);
-        taken = copyFileReplacing(themeDbf, dbf).ok() && (!hasCpg || copyFileReplacing(themeCpg, cpg).ok());
-        return taken;
+        auto source = readSource(m_request.sourceType, m_readFolder, m_readFile, m_request.sourceTable);
+        if (!source)
+            return joinError(JoinError::SourceFailed);
+        m_source = std::move(source.value());
+        auto staged = readStaged(m_db, QStringLiteral("where (INCLUSO=-1 and collegatoAFile = ") +
+                                           sqlQuote(m_outcome.themeTable) + QStringLiteral(")"));
+        if (!staged)
+            return joinError(JoinError::EngineError, staged.errorMessage());
+        m_staged = staged.value();
+        auto theme = readDbf(m_outcome.themeDbf);
+        if (!theme)
+            return joinError(JoinError::SourceFailed);
+        m_theme = std::move(theme.value());
+        return step(JoinStep::ReadSource, JoinError::SourceFailed);
     }
-    void restore() const
-    {
-        if (!taken)
-            return;
-        QFile::remove(themeDbf);
-        QFile::rename(dbf, themeDbf);
-        QFile::remove(themeCpg);
-        if (hasCpg)
-            QFile::rename(cpg, themeCpg);
-    }
-};
 
-struct WorkFiles {
-    QString sourceCopy;
-    QString tempDbf;
-    QString joinMdb;
-    ~WorkFiles()
+    // 4-7. joinmdb and temp beside the theme table; a key that is not
+    // unique multiplies records and stops the join.
+    Status buildTables()
     {
-        if (!sourceCopy.isEmpty())
-            QFile::remove(sourceCopy);
-        removeTable(joinMdb);
-        if (!tempDbf.isEmpty())
-            removeTable(tempDbf);
+        removeTable(tableIn(m_folder, QStringLiteral("temp")));
+        removeTable(tableIn(m_folder, QStringLiteral("joinmdb")));
+        auto ext = selectColumns(m_source, m_staged);
+        if (!ext)
+            return joinError(ext.error().code);
+        fitColumns(ext.value(), m_theme.encoding);
+        ext->encoding = m_theme.encoding;
+        m_joinMdb = m_folder + QStringLiteral("/joinmdb.dbf");
+        if (!writeDbf(m_joinMdb, ext.value()))
+            return joinError(JoinError::LinkFailed);
+        if (Status st = step(JoinStep::WriteJoinMdb, JoinError::LinkFailed); !st)
+            return st;
+
+        const int themeKey = m_theme.fieldIndex(m_request.themeJoinField);
+        const int extKey = externalKeyColumn(ext.value(), m_request.extJoinField, m_staged);
+        if (themeKey < 0 || extKey < 0)
+            return joinError(JoinError::SourceFailed);
+        auto joined = leftJoin(m_theme, themeKey, ext.value(), extKey);
+        if (!joined)
+            return joinError(joined.error().code);
+        if (joined->rowCount() != m_theme.rowCount())
+            return joinError(JoinError::DuplicateKey);
+        m_temp = m_folder + QStringLiteral("/temp.dbf");
+        if (!writeDbf(m_temp, joined.value()))
+            return joinError(JoinError::LinkFailed);
+        for (const DbfField &f : ext->fields)
+            m_outcome.addedFields << f.name;
+        return step(JoinStep::WriteTemp, JoinError::LinkFailed);
     }
+
+    // 8-11. Backup, bookkeeping and the new theme table.
+    Status replaceTheme()
+    {
+        const QString backup = joinBackupPath(m_outcome.themeDbf);
+        const QString themeCpg = cpgPathFor(m_outcome.themeDbf);
+        // The first join keeps the table as it was before any join; a later
+        // join on the same theme leaves that backup alone.
+        if (!QFileInfo::exists(backup)) {
+            m_files.created(backup);
+            if (!copyFileReplacing(m_outcome.themeDbf, backup))
+                return joinError(JoinError::FileAccess);
+            if (QFileInfo::exists(themeCpg)) {
+                m_files.created(backup + QStringLiteral(".cpg"));
+                if (!copyFileReplacing(themeCpg, backup + QStringLiteral(".cpg")))
+                    return joinError(JoinError::FileAccess);
+            }
+        }
+        if (!m_files.keep(m_outcome.themeDbf) || !m_files.keep(themeCpg))
+            return joinError(JoinError::FileAccess);
+        if (Status st = step(JoinStep::Backup, JoinError::FileAccess); !st)
+            return st;
+
+        auto conn = m_db.open();
+        if (!conn || !conn->begin())
+            return joinError(JoinError::Bookkeeping);
+        m_tx = std::move(conn.value());
+        QStringList inserts;
+        for (const QString &f : std::as_const(m_outcome.addedFields))
+            inserts << QStringLiteral("INSERT INTO CAMPIJOIN (DBF,CAMPOAGGIUNTO,INDICELAYER,PATH) VALUES ") +
+                           QStringLiteral("('") + sqlEscape(m_outcome.themeTable) + QStringLiteral("', '") +
+                           sqlEscape(f) + QStringLiteral("',") + QString::number(m_request.layerIndex) +
+                           QStringLiteral(", '") + sqlEscape(m_folder) + QStringLiteral("' );");
+        if (!runAll(inserts))
+            return joinError(JoinError::Bookkeeping);
+        if (Status st = step(JoinStep::CampiJoin, JoinError::Bookkeeping); !st)
+            return st;
+
+        const QString tempCpg = cpgPathFor(m_temp);
+        if (!renameReplacing(m_temp, m_outcome.themeDbf))
+            return joinError(JoinError::FileAccess);
+        if (QFileInfo::exists(tempCpg) && !renameReplacing(tempCpg, themeCpg))
+            return joinError(JoinError::FileAccess);
+        m_temp.clear();
+        if (Status st = step(JoinStep::ReplaceTable, JoinError::FileAccess); !st)
+            return st;
+
+        const QString table =
+            m_request.sourceType == JoinSourceType::Access ? m_request.sourceTable : m_request.sourceFile;
+        m_join = {m_request.sourceFolder, m_request.sourceFile, table, m_request.themeJoinField,
+                  m_request.extJoinField, m_shapefile};
+        QStringList listed{
+            QStringLiteral(
+                "INSERT INTO LISTAJOIN (PATHDB,NOMEDB,NOMETABELLA,CAMPOJOININT,CAMPOJOINEXT,SHPCOLLEGATO) VALUES ('") +
+            sqlEscape(m_join.pathDb) + QStringLiteral("', '") + sqlEscape(m_join.nomeDb) + QStringLiteral("', '") +
+            sqlEscape(m_join.nomeTabella) + QStringLiteral("', '") + sqlEscape(m_join.campoJoinInt) +
+            QStringLiteral("', '") + sqlEscape(m_join.campoJoinExt) + QStringLiteral("', '") +
+            sqlEscape(m_join.shpCollegato) + QStringLiteral("');")};
+        listed << columnNameStatements(m_join, m_staged);
+        if (!runAll(listed))
+            return joinError(JoinError::Bookkeeping);
+        return step(JoinStep::ListaJoin, JoinError::Bookkeeping);
+    }
+
+    // 12. The settings file records the join (this join's row, which the
+    // open transaction holds).
+    Status rewriteSettings()
+    {
+        if (!m_settings)
+            return {};
+        const QString ini = m_settings->iniPath;
+        if (!m_files.keep(ini))
+            return joinError(JoinError::FileAccess);
+        const ThemeSettings old = readThemeSettingsFile(ini, m_settings->layer.name);
+        m_files.created(QFileInfo(ini).path() + QLatin1Char('/') + QFileInfo(ini).completeBaseName() +
+                        QStringLiteral(".new"));
+        if (!writeLinesReplacing(ini, afterJoinLines(old, m_settings->layer, m_join, m_outcome.addedFields)))
+            return joinError(JoinError::FileAccess);
+        return step(JoinStep::Settings, JoinError::FileAccess);
+    }
+
+    bool runAll(const QStringList &statements)
+    {
+        for (const QString &sql : statements)
+            if (!m_tx.run(ReferenceDb::toSqlite(sql)))
+                return false;
+        return true;
+    }
+
+    void removeWorkingFiles()
+    {
+        for (const QString &f : std::as_const(m_workCopies))
+            QFile::remove(f);
+        m_workCopies.clear();
+        if (!m_joinMdb.isEmpty())
+            removeTable(m_joinMdb);
+        if (!m_temp.isEmpty())
+            removeTable(m_temp);
+        m_joinMdb.clear();
+        m_temp.clear();
+    }
+
+    const ReferenceDb &m_db;
+    const JoinRequest &m_request;
+    const std::optional<JoinSettingsFile> &m_settings;
+    QString m_folder;
+    QString m_shapefile;
+    JoinOutcome m_outcome;
+    QString m_readFolder;
+    QString m_readFile;
+    QStringList m_workCopies;
+    std::unique_ptr<QTemporaryDir> m_scratch;
+    SourceTable m_source;
+    QList<StagedField> m_staged;
+    DbfTable m_theme;
+    QString m_joinMdb;
+    QString m_temp;
+    JoinFields m_join;
+    FileRollback m_files;
+    SqliteDb m_tx;
 };
 
 }  // namespace
+
+void setJoinFailureHook(JoinFailureHook hook) { failureHook() = std::move(hook); }
 
 QString joinBackupPath(const QString &themeDbf)
 {
@@ -180,124 +329,11 @@ QString joinBackupPath(const QString &themeDbf)
     return info.absolutePath() + QLatin1Char('/') + info.completeBaseName() + QStringLiteral(".bak");
 }
 
-Result<JoinOutcome> Execute_Join(const ReferenceDb &db, const JoinRequest &request)
+Result<JoinOutcome> Execute_Join(const ReferenceDb &db, const JoinRequest &request,
+                                 const std::optional<JoinSettingsFile> &settings)
 {
-    // 1. The theme's table and folder.
-    const QFileInfo shp(request.shapefilePath);
-    const QString folder = shp.absolutePath();
-    const QString themeTable = shp.suffix().compare(QLatin1String("shp"), Qt::CaseInsensitive) == 0 ||
-                                       shp.suffix().compare(QLatin1String("dbf"), Qt::CaseInsensitive) == 0
-                                   ? shp.completeBaseName()
-                                   : shp.fileName();
-    const QString themeDbf = tableIn(folder, themeTable);
-    JoinOutcome outcome{themeTable, themeDbf, {}};
-
-    WorkFiles work;
-    work.joinMdb = folder + QStringLiteral("/joinmdb.dbf");
-
-    // 2. A copy of a dBase or text source, so the source itself is never opened for writing.
-    QString readFolder = request.sourceFolder;
-    QString readFile = request.sourceFile;
-    if (request.sourceType != JoinSourceType::Access) {
-        readFile = request.sourceType == JoinSourceType::Text ? QStringLiteral("Copia.txt") : QStringLiteral("Copia.dbf");
-        work.sourceCopy = request.sourceFolder + QLatin1Char('/') + readFile;
-        const QString original = resolveCaseInsensitive(request.sourceFolder, request.sourceFile);
-        if (!copyFileReplacing(original, work.sourceCopy))
-            return joinError(JoinError::PathFailed);
-        if (request.sourceType == JoinSourceType::DbaseIV) {
-            const QString cpg = cpgPathFor(original);
-            if (QFileInfo::exists(cpg))
-                (void)copyFileReplacing(cpg, request.sourceFolder + QStringLiteral("/Copia.cpg"));
-        }
-    }
-
-    // 3. Open the source and the staged column list.
-    auto source = readSource(request.sourceType, readFolder, readFile, request.sourceTable);
-    if (request.sourceType == JoinSourceType::DbaseIV)
-        QFile::remove(request.sourceFolder + QStringLiteral("/Copia.cpg"));
-    if (!source)
-        return joinError(JoinError::SourceFailed);
-    auto staged = readStaged(db, QStringLiteral("where (INCLUSO=-1 and collegatoAFile = ") + sqlQuote(themeTable) +
-                                     QStringLiteral(")"));
-    if (!staged)
-        return joinError(JoinError::EngineError, staged.errorMessage());
-    auto theme = readDbf(themeDbf);
-    if (!theme)
-        return joinError(JoinError::SourceFailed);
-
-    // 4-5. Stale working tables out, the external table in as joinmdb.
-    removeTable(tableIn(folder, QStringLiteral("temp")));
-    removeTable(tableIn(folder, QStringLiteral("joinmdb")));
-    auto ext = selectColumns(source.value(), staged.value());
-    if (!ext)
-        return ext.error();
-    if (!writeDbf(work.joinMdb, ext.value()))
-        return joinError(JoinError::LinkFailed);
-
-    // 6. The left join into temp.
-    const int themeKey = theme->fieldIndex(request.themeJoinField);
-    const int extKey = externalKeyColumn(ext.value(), request.extJoinField, staged.value());
-    if (themeKey < 0 || extKey < 0)
-        return joinError(JoinError::SourceFailed);
-    auto joined = leftJoin(theme.value(), themeKey, ext.value(), extKey);
-    if (!joined)
-        return joined.error();
-    work.tempDbf = folder + QStringLiteral("/temp.dbf");
-    if (!writeDbf(work.tempDbf, joined.value()))
-        return joinError(JoinError::LinkFailed);
-
-    // 7. A key that is not unique multiplies records: temp is dropped, the theme is untouched.
-    if (joined->rowCount() != theme->rowCount())
-        return joinError(JoinError::DuplicateKey);
-
-    // 8. Backup of the theme table.
-    Backup backup{joinBackupPath(themeDbf), joinBackupPath(themeDbf) + QStringLiteral(".cpg"), themeDbf,
-                  cpgPathFor(themeDbf)};
-    if (!backup.take())
-        return joinError(JoinError::FileAccess);
-
-    auto fail = [&](int code) -> Result<JoinOutcome> {
-        backup.restore();
-        static_cast<void>(db.execute(QStringLiteral("Delete * from CAMPIJOIN WHERE DBF=") + sqlQuote(themeTable)));
-        return joinError(code);
-    };
-
-    // 9. One CAMPIJOIN row per added field.
-    QStringList inserts;
-    for (const DbfField &f : ext->fields) {
-        outcome.addedFields << f.name;
-        inserts << QStringLiteral("INSERT INTO CAMPIJOIN (DBF,CAMPOAGGIUNTO,INDICELAYER,PATH) VALUES ") +
-                       QStringLiteral("('") + sqlEscape(themeTable) + QStringLiteral("', '") + sqlEscape(f.name) +
-                       QStringLiteral("',") + QString::number(request.layerIndex) + QStringLiteral(", '") +
-                       sqlEscape(folder) + QStringLiteral("' );");
-    }
-    if (!db.executeAll(inserts))
-        return fail(JoinError::Bookkeeping);
-
-    // 10. temp replaces the theme table, its .cpg with it.
-    const QString tempCpg = cpgPathFor(work.tempDbf);
-    const QString themeCpg = QFileInfo::exists(backup.themeCpg)
-                                 ? backup.themeCpg
-                                 : folder + QLatin1Char('/') + QFileInfo(themeDbf).completeBaseName() + QStringLiteral(".cpg");
-    QFile::remove(themeDbf);
-    QFile::remove(backup.themeCpg);
-    if (!QFile::rename(work.tempDbf, themeDbf))
-        return fail(JoinError::FileAccess);
-    if (QFileInfo::exists(tempCpg) && !QFile::rename(tempCpg, themeCpg))
-        return fail(JoinError::FileAccess);
-    backup.themeCpg = themeCpg;
-    work.tempDbf.clear();
-
-    // 11. The join description.
-    const QString table = request.sourceType == JoinSourceType::Access ? request.sourceTable : request.sourceFile;
-    const Status listed = db.execute(
-        QStringLiteral("INSERT INTO LISTAJOIN (PATHDB,NOMEDB,NOMETABELLA,CAMPOJOININT,CAMPOJOINEXT,SHPCOLLEGATO) VALUES ('") +
-        sqlEscape(request.sourceFolder) + QStringLiteral("', '") + sqlEscape(request.sourceFile) + QStringLiteral("', '") +
-        sqlEscape(table) + QStringLiteral("', '") + sqlEscape(request.themeJoinField) + QStringLiteral("', '") +
-        sqlEscape(request.extJoinField) + QStringLiteral("', '") + sqlEscape(shp.fileName()) + QStringLiteral("');"));
-    if (!listed)
-        return fail(JoinError::Bookkeeping);
-    return outcome;
+    JoinRun run(db, request, settings);
+    return run.run();
 }
 
 int joinErrorStyle(const Error &error)
@@ -316,14 +352,7 @@ void showJoinError(const Error &error) { showMessage(joinErrorStyle(error), erro
 Result<JoinOutcome> runJoin(const ReferenceDb &db, const JoinRequest &request, const QString &iniPath,
                             const LayerState &layer)
 {
-    auto outcome = Execute_Join(db, request);
-    if (!outcome)
-        return outcome;
-    if (Status st = rewriteAfterJoin(iniPath, layer, QFileInfo(request.shapefilePath).fileName(),
-                                     outcome->addedFields, db);
-        !st)
-        return Result<JoinOutcome>::fail(st.errorMessage(), JoinError::FileAccess);
-    return outcome;
+    return Execute_Join(db, request, JoinSettingsFile{iniPath, layer});
 }
 
 }  // namespace mervola

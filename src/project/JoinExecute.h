@@ -4,7 +4,8 @@
 // into temp.dbf, and temp.dbf replaces the theme table (same records in the
 // same order, so the shapefile stays consistent). The theme table is backed
 // up first and restored byte for byte when a later step fails. The join is
-// recorded in CAMPIJOIN and LISTAJOIN.
+// recorded in CAMPIJOIN and LISTAJOIN, and the names the columns got in
+// ALIASJOIN, so that re-running it from the settings gives the same columns.
 
 #include "platform/AtlasHome.h"
 #include "platform/Result.h"
@@ -12,6 +13,8 @@
 #include "project/SettingsWriters.h"
 
 #include <QStringList>
+#include <functional>
+#include <optional>
 
 namespace mervola {
 
@@ -57,16 +60,46 @@ struct JoinOutcome {
     QStringList addedFields;   // columns the join added, in table order
 };
 
+// The theme's settings file, rewritten as the last step of the join.
+struct JoinSettingsFile {
+    QString iniPath;
+    LayerState layer;
+};
+
+// The steps of a join after which a failure must leave everything as it was.
+enum class JoinStep {
+    CopySource,    // working copy of a dBase or text source made
+    ReadSource,    // source and staged rows read
+    WriteJoinMdb,  // joinmdb.dbf written beside the theme table
+    WriteTemp,     // temp.dbf written
+    Backup,        // backup of the theme table taken
+    CampiJoin,     // CAMPIJOIN rows inserted
+    ReplaceTable,  // temp.dbf took the theme table's place
+    ListaJoin,     // LISTAJOIN row inserted
+    Settings,      // settings file rewritten
+};
+inline constexpr JoinStep kLastJoinStep = JoinStep::Settings;
+
+// A test hook asked after each step: true makes the join fail there as if
+// the step itself had failed. An empty function removes it.
+using JoinFailureHook = std::function<bool(JoinStep)>;
+void setJoinFailureHook(JoinFailureHook hook);
+
 // Runs the join. The staged rows (STRUCTJOIN, INCLUSO = -1, COLLEGATOAFILE =
-// the theme table) choose and name the columns. On failure the error holds
-// the message to show and its number; the theme table is as before.
-Result<JoinOutcome> Execute_Join(const ReferenceDb &db, const JoinRequest &request);
+// the theme table) choose and name the columns. The bookkeeping rows are
+// written in one transaction of the reference database that is committed
+// only when every step, the settings rewrite included, has succeeded. On
+// failure the error holds the message to show and its number, and the theme
+// table, its settings file and the reference database are as before, byte
+// for byte; the source file is only ever read.
+Result<JoinOutcome> Execute_Join(const ReferenceDb &db, const JoinRequest &request,
+                                 const std::optional<JoinSettingsFile> &settings = std::nullopt);
 
 // The message-box style of a join error (critical, information ...).
 int joinErrorStyle(const Error &error);
 void showJoinError(const Error &error);
 
-// Execute_Join followed by the rewrite of the theme's settings file.
+// Execute_Join with the rewrite of the theme's settings file.
 Result<JoinOutcome> runJoin(const ReferenceDb &db, const JoinRequest &request, const QString &iniPath,
                             const LayerState &layer);
 

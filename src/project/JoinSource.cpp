@@ -1,5 +1,7 @@
 #include "project/JoinSource.h"
 
+#include "platform/dbf/DbfGdal.h"
+
 #include <QDate>
 #include <QDateTime>
 #include <QFile>
@@ -111,6 +113,15 @@ FieldFamily familyOfType(int t)
     }
 }
 
+bool isUnreadableType(int t)
+{
+    switch (t) {
+    case JoinFieldType::Date:
+    case JoinFieldType::Memo: return false;
+    default: return familyOfType(t) == FieldFamily::Unknown;
+    }
+}
+
 QString familyText(FieldFamily family)
 {
     switch (family) {
@@ -178,123 +189,14 @@ Result<SourceTable> readDbaseSource(const QString &dbfPath)
         return Result<SourceTable>::fail(kSourceUnreadable, 3061);
     SourceTable out;
     out.table = std::move(dbf.value());
-    for (const DbfField &f : out.table.fields)
-        out.fields << SourceField{f.name, engineTypeOf(f)};
-    return out;
-}
-
-namespace {
-
-// Splits one line; `quotedCells` tells which cells were in double quotes
-// (a quoted cell is text even when it reads as a number, such as "001").
-QStringList splitDelimited(const QString &line, QChar sep, QList<bool> *quotedCells = nullptr)
-{
-    QStringList out;
-    QString cur;
-    bool quoted = false;
-    bool wasQuoted = false;
-    for (int i = 0; i < line.size(); ++i) {
-        const QChar c = line[i];
-        if (quoted) {
-            if (c == QLatin1Char('"')) {
-                if (i + 1 < line.size() && line[i + 1] == QLatin1Char('"')) {
-                    cur += c;
-                    ++i;
-                } else {
-                    quoted = false;
-                }
-            } else {
-                cur += c;
-            }
-        } else if (c == QLatin1Char('"')) {
-            quoted = true;
-            wasQuoted = true;
-        } else if (c == sep) {
-            out << cur;
-            if (quotedCells)
-                *quotedCells << wasQuoted;
-            cur.clear();
-            wasQuoted = false;
-        } else {
-            cur += c;
-        }
-    }
-    out << cur;
-    if (quotedCells)
-        *quotedCells << wasQuoted;
-    return out;
-}
-
-}  // namespace
-
-Result<SourceTable> readTextSource(const QString &txtPath)
-{
-    QFile file(txtPath);
-    if (!file.open(QIODevice::ReadOnly))
-        return Result<SourceTable>::fail(kSourceUnreadable, 3061);
-    const QByteArray bytes = file.readAll();
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    QString text = utf8.decode(bytes);
-    if (utf8.hasError())
-        text = QString::fromLatin1(bytes);
-    QStringList lines = text.split(QLatin1Char('\n'));
-    for (QString &l : lines)
-        if (l.endsWith(QLatin1Char('\r')))
-            l.chop(1);
-    while (!lines.isEmpty() && lines.last().trimmed().isEmpty())
-        lines.removeLast();
-    if (lines.isEmpty())
-        return Result<SourceTable>::fail(kSourceUnreadable, 3061);
-
-    QChar sep = QLatin1Char(',');
-    for (QChar c : {QLatin1Char(';'), QLatin1Char('\t'), QLatin1Char(',')})
-        if (lines.first().contains(c)) {
-            sep = c;
-            break;
-        }
-    const QStringList header = splitDelimited(lines.first(), sep);
-    std::vector<QStringList> cells;
-    QList<bool> quotedColumn(header.size(), false);
-    for (int i = 1; i < lines.size(); ++i) {
-        QList<bool> quoted;
-        QStringList row = splitDelimited(lines[i], sep, &quoted);
-        while (row.size() < header.size())
-            row << QString();
-        for (int c = 0; c < std::min(quoted.size(), quotedColumn.size()); ++c)
-            quotedColumn[c] = quotedColumn[c] || quoted[c];
-        cells.push_back(row);
-    }
-
-    SourceTable out;
-    for (int c = 0; c < header.size(); ++c) {
-        bool numeric = !quotedColumn[c], integral = true, any = false;
-        int width = 1;
-        for (const QStringList &row : cells) {
-            const QString v = row[c].trimmed();
-            width = std::max(width, int(row[c].size()));
-            if (v.isEmpty())
-                continue;
-            any = true;
-            bool ok = false;
-            v.toLongLong(&ok);
-            if (!ok) {
-                integral = false;
-                v.toDouble(&ok);
-                if (!ok)
-                    numeric = false;
-            }
-        }
-        const int type = !(numeric && any) ? JoinFieldType::Text : integral ? JoinFieldType::Long : JoinFieldType::Double;
-        out.fields << SourceField{header[c].trimmed(), type};
-        out.table.fields << dbfFieldFor(header[c].trimmed(), type, width);
-    }
-    for (const QStringList &row : cells) {
-        std::vector<QVariant> values;
-        for (int c = 0; c < header.size(); ++c) {
-            const DbfField &f = out.table.fields[c];
-            values.push_back(valueFor(f, f.type == DbfType::Text ? row[c] : row[c].trimmed()));
-        }
-        out.table.rows.push_back(std::move(values));
+    // Memo, binary, general and the other kinds beyond dBase IV's own five
+    // hold no value that can be read from the table alone.
+    const QByteArray native = dbfdetail::nativeFieldTypes(dbfPath);
+    for (int i = 0; i < out.table.fields.size(); ++i) {
+        const char t = i < native.size() ? native[i] : 'C';
+        const bool known = t == 'C' || t == 'N' || t == 'F' || t == 'L' || t == 'D';
+        out.fields << SourceField{out.table.fields[i].name, known ? engineTypeOf(out.table.fields[i])
+                                                                  : JoinFieldType::LongBinary};
     }
     return out;
 }

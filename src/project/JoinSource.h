@@ -42,6 +42,10 @@ FieldFamily familyOfType(int engineType);
 QString familyText(FieldFamily family);
 // Families that a dBase table can hold (everything but Unknown).
 inline bool isImportable(int engineType) { return familyOfType(engineType) != FieldFamily::Unknown; }
+// Types whose values cannot be read at all (binary, OLE, GUID, dBase memo
+// and the like), as opposed to readable values of a kind a join does not
+// import (dates).
+bool isUnreadableType(int engineType);
 
 struct SourceField {
     QString name;
@@ -60,9 +64,12 @@ struct SourceTable {
 Result<QStringList> accessTableNames(const QString &mdbPath);
 Result<SourceTable> readAccessTable(const QString &mdbPath, const QString &table);
 Result<SourceTable> readDbaseSource(const QString &dbfPath);
-// A text table: the first line names the fields; the separator is the
-// first of ";", tab or "," found in it; values may be in double quotes. A
-// column whose non-empty values all read as numbers is numeric.
+// A text table as spreadsheets save it: the first line names the fields;
+// the separator is the most frequent of ";", tab and "," in it; values may
+// be in double quotes; UTF-8 with or without BOM, else Windows-1252. A column
+// whose values all read as numbers (decimal point or comma) is numeric,
+// unless a value has leading zeros ("001001" is a code) or was quoted
+// without need.
 Result<SourceTable> readTextSource(const QString &txtPath);
 
 // Reads `file` in `folder` as a source of `type` (the table name is used

@@ -60,6 +60,7 @@ QList<StagedField> stagedRowsFor(const StagingContext &context, const QList<Sour
     QList<StagedField> rows;
     for (const SourceField &f : fields) {
         StagedField r;
+        r.incluso = isImportable(f.engineType);  // the others are listed, not included
         r.nomeCampo = f.name;
         r.aliasCampo = f.name;
         r.tipoCampo = f.engineType;
@@ -163,8 +164,10 @@ Status checkIncludedFields(const QList<StagedField> &rows)
     for (const StagedField &r : rows)
         if (r.incluso && !isImportable(r.tipoCampo))
             return Status::fail(JoinText::kUnsupportedIncluded);
+    // The name the column gets in the table: a long field name passes once
+    // it has a short alias.
     for (const StagedField &r : rows)
-        if (r.incluso && r.nomeCampo.size() > 10)
+        if (r.incluso && r.outputName().size() > 10)
             return Status::fail(JoinText::kNameTooLong);
     return {};
 }

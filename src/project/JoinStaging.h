@@ -67,7 +67,8 @@ bool hasForbiddenFileCharacters(const QString &fileName);
 // dBase and text sources: at most 8 characters before the extension.
 Status checkSourceFileName(const QString &sourceType, const QString &fileName);
 
-// The STRUCTJOIN rows for a source, conflicts with the theme's fields marked.
+// The STRUCTJOIN rows for a source, conflicts with the theme's fields marked;
+// the fields a dBase table cannot hold start excluded.
 QList<StagedField> stagedRowsFor(const StagingContext &context, const QList<SourceField> &fields,
                                  const QStringList &themeFields);
 QString structJoinInsert(const StagedField &row);

@@ -4,13 +4,15 @@
 #include "platform/SqlText.h"
 #include "platform/dbf/DbfTable.h"
 #include "map/MapModel.h"
+#include "project/JoinFiles.h"
+#include "project/JoinNames.h"
 #include "project/JoinSource.h"
 #include "project/JoinStaging.h"
 #include "project/PristineSettings.h"
 #include "project/ThemeSettings.h"
 
+#include <QDir>
 #include <QFile>
-#include <algorithm>
 #include <QFileInfo>
 
 namespace mervola {
@@ -23,6 +25,33 @@ QString sourceTypeOfFile(const QString &fileName)
     if (suffix == QLatin1String("txt") || suffix == QLatin1String("csv"))
         return JoinSourceType::Text;
     return JoinSourceType::DbaseIV;
+}
+
+Result<ThemeOnDisk> themeOnDisk(const AtlasHome &home, const QString &themeName)
+{
+    const QString ini = resolveCaseInsensitive(home.supporto(), themeName + QStringLiteral(".ini"));
+    if (!QFileInfo::exists(ini))
+        return Result<ThemeOnDisk>::fail(QStringLiteral("Tema non trovato: ") + themeName);
+    const ThemeSettings s = readThemeSettingsFile(ini, themeName);
+    QString folder = QString(s.workspace).replace(QLatin1Char('\\'), QLatin1Char('/'));
+    const QString shapefile = s.shapefile.isEmpty() ? themeName + QStringLiteral(".shp") : s.shapefile;
+    if (folder.isEmpty() || !QFileInfo(folder).isDir())
+        folder = home.italia();
+    ThemeOnDisk t;
+    t.iniPath = ini;
+    t.shapefilePath = resolveCaseInsensitive(QDir::cleanPath(folder), shapefile);
+    const QFileInfo shp(t.shapefilePath);
+    if (!QFileInfo::exists(resolveCaseInsensitive(shp.absolutePath(), shp.completeBaseName() + QStringLiteral(".dbf"))))
+        return Result<ThemeOnDisk>::fail(QStringLiteral("Tabella del tema non trovata: ") + t.shapefilePath);
+    t.layer.name = themeName;
+    t.layer.folder = shp.absolutePath();
+    t.layer.baseName = shp.completeBaseName();
+    t.layer.symbol = s.symbol;
+    t.layer.outline = s.outline;
+    t.layer.visible = s.visible;
+    t.layer.labelsOn = s.labelsOn();
+    t.layer.labelField = s.labelField;
+    return t;
 }
 
 Result<JoinOutcome> rejoinTheme(const AtlasHome &home, const LoadedTheme &theme, int layerIndex)
@@ -45,28 +74,8 @@ Result<JoinOutcome> rejoinTheme(const AtlasHome &home, const LoadedTheme &theme,
 
     const StagingContext context{type, j.pathDb, j.nomeDb, shp.absolutePath(), themeTable};
     QList<StagedField> rows = stagedRowsFor(context, source->fields, themeFields);
-    const QString key = j.campoJoinExt.left(kDbfMaxFieldNameLength).toUpper();
-    // The stored list names the added columns; an alias given in the wizard
-    // is not stored, so when a listed name matches no source field every
-    // field is brought back under its own name.
-    QStringList wanted = theme.settings.structJoin;
-    for (const QString &name : std::as_const(wanted)) {
-        const bool found = std::any_of(rows.cbegin(), rows.cend(), [&](const StagedField &r) {
-            return r.outputName().compare(name, Qt::CaseInsensitive) == 0 ||
-                   r.nomeCampo.compare(name, Qt::CaseInsensitive) == 0;
-        });
-        if (!found) {
-            wanted.clear();
-            break;
-        }
-    }
-    for (StagedField &r : rows) {
-        const bool listed = wanted.contains(r.outputName(), Qt::CaseInsensitive) ||
-                            wanted.contains(r.nomeCampo, Qt::CaseInsensitive);
-        const bool isKey = r.nomeCampo.left(kDbfMaxFieldNameLength).toUpper() == key;
-        r.incluso = (wanted.isEmpty() || listed || isKey) && isImportable(r.tipoCampo);
-    }
     const ReferenceDb db(home);
+    chooseRejoinColumns(rows, theme.settings.structJoin, recordedColumnNames(db, j), j.campoJoinExt);
     if (Status st = stageFields(db, rows); !st)
         return Result<JoinOutcome>::fail(st.errorMessage(), JoinError::SourceFailed);
 
@@ -93,56 +102,109 @@ std::function<Status(const LoadedTheme &)> makeRejoinHook(const AtlasHome &home)
 
 namespace {
 
-Status restoreFile(const QString &from, const QString &to)
+// The table a removal copies back: the pristine copy, else the backup.
+QString restoreSourceOf(const AtlasHome &home, const QString &table, const QString &backup)
 {
-    if (Status st = copyFileReplacing(from, to); !st)
+    const QString pristine = resolveCaseInsensitive(home.originali(), table + QStringLiteral(".dbf"));
+    if (QFileInfo::exists(pristine))
+        return pristine;
+    return QFileInfo::exists(backup) ? backup : QString();
+}
+
+// The cpg that goes with a restore source (backups keep theirs as ".bak.cpg").
+QString cpgOfRestoreSource(const QString &source)
+{
+    return source.endsWith(QLatin1String(".bak")) ? source + QStringLiteral(".cpg") : cpgPathFor(source);
+}
+
+Status restoreFile(FileRollback &files, const QString &from, const QString &to)
+{
+    if (!files.keep(to) || !copyFileReplacing(from, to))
         return Status::fail(JoinText::kRestoreData);
     return {};
 }
 
+// Settings of a theme whose join is gone: no join, and no classification on
+// a column that left with it (the plain symbol is drawn again).
+QList<QPair<ThemeKey, QString>> settingsAfterRemoval(const ThemeSettings &s, const QStringList &joinedColumns)
+{
+    QList<QPair<ThemeKey, QString>> values{{ThemeKey::Join, JoinFields().format()},
+                                           {ThemeKey::StructJoin, QStringLiteral("*^")}};
+    const bool classified = s.has(ThemeKey::TipoClassificazione) && s.classificationType != QLatin1String("0");
+    if (classified && joinedColumns.contains(s.campo.field, Qt::CaseInsensitive)) {
+        values.append({ThemeKey::TipoClassificazione, QStringLiteral("0")});
+        values.append({ThemeKey::Campo, QStringLiteral("0^0^0^0^")});
+        values.append({ThemeKey::Classificazione, QStringLiteral("0")});
+    }
+    return values;
+}
+
 }  // namespace
+
+bool themeHasJoin(const AtlasHome &home, const QString &shapefilePath, const QString &iniPath)
+{
+    const QFileInfo shp(shapefilePath);
+    const ReferenceDb db(home);
+    auto rows = db.query(QStringLiteral("Select distinct DBF from CAMPIJOIN WHERE DBF=") +
+                         sqlQuote(shp.completeBaseName().toUpper()));
+    if (rows && !rows->empty())
+        return true;
+    if (!iniPath.isEmpty() && readThemeSettingsFile(iniPath, QFileInfo(iniPath).completeBaseName()).join.isSet())
+        return true;
+    return QFileInfo::exists(joinBackupPath(resolveCaseInsensitive(shp.absolutePath(), shp.completeBaseName() +
+                                                                                           QStringLiteral(".dbf"))));
+}
 
 Status removeJoin(const AtlasHome &home, const QString &shapefilePath, const QString &iniPath)
 {
     const QFileInfo shp(shapefilePath);
     const QString table = shp.completeBaseName();
     const QString folder = shp.absolutePath();
-    const ReferenceDb db(home);
-    if (Status st = db.executeAll({QStringLiteral("Delete * from CAMPIJOIN WHERE DBF=") + sqlQuote(table.toUpper()),
-                                   QStringLiteral("Delete * from LISTAJOIN WHERE SHPCOLLEGATO=") + sqlQuote(shp.fileName())});
-        !st)
-        return st;
-
     const QString themeDbf = resolveCaseInsensitive(folder, table + QStringLiteral(".dbf"));
     const QString backup = joinBackupPath(themeDbf);
-    const QString backupCpg = backup + QStringLiteral(".cpg");
-    const QString pristine = resolveCaseInsensitive(home.originali(), table + QStringLiteral(".dbf"));
-    if (QFileInfo::exists(pristine)) {
-        if (Status st = restoreFile(pristine, themeDbf); !st)
+    const ReferenceDb db(home);
+
+    // Every column any join added to this table, before its rows go.
+    QStringList joinedColumns;
+    if (auto rows = db.query(QStringLiteral("Select * from CAMPIJOIN WHERE DBF=") + sqlQuote(table.toUpper())))
+        for (size_t i = 0; i < rows->size(); ++i)
+            joinedColumns << rows->value(i, QStringLiteral("CAMPOAGGIUNTO")).toString();
+    const QString section = QFileInfo(iniPath).completeBaseName();
+    const ThemeSettings settings = iniPath.isEmpty() ? ThemeSettings() : readThemeSettingsFile(iniPath, section);
+    joinedColumns << settings.structJoin;
+
+    auto tx = db.open();
+    if (!tx || !tx->begin())
+        return Status::fail(JoinText::kRestoreData);
+    FileRollback files;
+    for (const QString &sql : {QStringLiteral("Delete * from CAMPIJOIN WHERE DBF=") + sqlQuote(table.toUpper()),
+                               QStringLiteral("Delete * from LISTAJOIN WHERE SHPCOLLEGATO=") + sqlQuote(shp.fileName())})
+        if (!tx->run(ReferenceDb::toSqlite(sql)))
+            return Status::fail(JoinText::kRestoreData);
+
+    if (const QString from = restoreSourceOf(home, table, backup); !from.isEmpty()) {
+        if (Status st = restoreFile(files, from, themeDbf); !st)
             return st;
-        const QString pristineCpg = cpgPathFor(pristine);
-        if (QFileInfo::exists(pristineCpg))
-            if (Status st = restoreFile(pristineCpg, cpgPathFor(themeDbf)); !st)
+        if (const QString cpg = cpgOfRestoreSource(from); QFileInfo::exists(cpg))
+            if (Status st = restoreFile(files, cpg, cpgPathFor(themeDbf)); !st)
                 return st;
-        if (table.toUpper() == QLatin1String("COMMONT")) {
-            const QString combase = resolveCaseInsensitive(home.originali(), QStringLiteral("combase.dbf"));
-            if (QFileInfo::exists(combase))
-                if (Status st = restoreFile(combase, resolveCaseInsensitive(folder, QStringLiteral("combase.dbf"))); !st)
-                    return st;
-        }
-    } else if (QFileInfo::exists(backup)) {
-        if (Status st = restoreFile(backup, themeDbf); !st)
-            return st;
-        if (QFileInfo::exists(backupCpg))
-            if (Status st = restoreFile(backupCpg, cpgPathFor(themeDbf)); !st)
+        const QString combase = resolveCaseInsensitive(home.originali(), QStringLiteral("combase.dbf"));
+        if (table.toUpper() == QLatin1String("COMMONT") && QFileInfo::exists(combase))
+            if (Status st = restoreFile(files, combase, resolveCaseInsensitive(folder, QStringLiteral("combase.dbf")));
+                !st)
                 return st;
     }
+    if (!iniPath.isEmpty() && QFileInfo::exists(iniPath)) {
+        if (!files.keep(iniPath))
+            return Status::fail(JoinText::kRestoreData);
+        if (Status st = updateThemeKeys(iniPath, section, settingsAfterRemoval(settings, joinedColumns)); !st)
+            return st;
+    }
+    if (!tx->commit())
+        return Status::fail(JoinText::kRestoreData);
+    files.commit();
     QFile::remove(backup);
-    QFile::remove(backupCpg);
-
-    if (!iniPath.isEmpty() && QFileInfo::exists(iniPath))
-        return updateThemeKeys(iniPath, QFileInfo(iniPath).completeBaseName(),
-                               {{ThemeKey::Join, JoinFields().format()}, {ThemeKey::StructJoin, QStringLiteral("*^")}});
+    QFile::remove(backup + QStringLiteral(".cpg"));
     return {};
 }
 

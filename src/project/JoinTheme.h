@@ -16,6 +16,18 @@ namespace map {
 class MapModel;
 }
 
+// A theme of the atlas home as a join sees it without a map: its shapefile
+// (WORKSPACE and BASE of its settings file, the home's italia/ when that
+// folder has moved), the settings file and what the settings rewrite needs.
+struct ThemeOnDisk {
+    QString shapefilePath;
+    QString iniPath;
+    LayerState layer;
+};
+// Fails, with an Italian message, when the theme has no settings file or
+// no table.
+Result<ThemeOnDisk> themeOnDisk(const AtlasHome &home, const QString &themeName);
+
 // The source type of a stored join, from the source file's extension.
 QString sourceTypeOfFile(const QString &fileName);
 
@@ -29,11 +41,17 @@ Result<JoinOutcome> rejoinTheme(const AtlasHome &home, const LoadedTheme &theme,
 // message and the theme is loaded without the joined columns.
 std::function<Status(const LoadedTheme &)> makeRejoinHook(const AtlasHome &home);
 
+// True when the theme carries a join: bookkeeping rows, a stored join in
+// its settings file, or the backup a join leaves.
+bool themeHasJoin(const AtlasHome &home, const QString &shapefilePath, const QString &iniPath);
+
 // Removes the join of one theme: the CAMPIJOIN and LISTAJOIN rows go, the
 // table is copied back from originali/ (with combase.dbf for the national
 // mountain-community table) or, without a pristine copy, from the backup;
-// the backup is deleted; the settings file gets JOIN and STRUCTJOIN emptied.
-// `iniPath` may be empty (no settings file to touch).
+// the backup is deleted; the settings file gets JOIN and STRUCTJOIN emptied,
+// and a classification on a column that the join had added is dropped so
+// that the theme is drawn with its plain symbol. Nothing is changed when a
+// step fails. `iniPath` may be empty (no settings file to touch).
 Status removeJoin(const AtlasHome &home, const QString &shapefilePath, const QString &iniPath = {});
 
 // Re-reads the shapefile of the layer `layerName` so that the map sees the

@@ -52,23 +52,12 @@ Status writeNewThemeFile(const QString &iniPath, const LayerState &layer, const 
     return writeLinesReplacing(iniPath, newThemeFileLines(layer, join, structJoin));
 }
 
-Result<QStringList> afterJoinLines(const ThemeSettings &old, const LayerState &layer, const QString &shapefile,
-                                   const QStringList &addedFields, const ReferenceDb &db)
+QStringList afterJoinLines(const ThemeSettings &old, const LayerState &layer, const JoinFields &join,
+                           const QStringList &addedFields)
 {
-    auto rows = db.query(QStringLiteral("Select * from ListaJoin where shpCollegato = ") + sqlQuote(shapefile));
-    if (!rows)
-        return rows.error();
-    QString join = kNoJoin;
-    if (!rows->empty()) {
-        QStringList f;
-        for (const char *col : {"PATHDB", "NOMEDB", "NOMETABELLA", "CAMPOJOININT", "CAMPOJOINEXT", "SHPCOLLEGATO"})
-            f << rows->value(0, QString::fromLatin1(col)).toString();
-        join = joinFields(f);
-    }
-
     QStringList out;
     out << QLatin1Char('[') + layer.name.toUpper() + QLatin1Char(']');
-    out << line(ThemeKey::Join, join);
+    out << line(ThemeKey::Join, join.format());
     out << QStringLiteral("STRUCTJOIN =") + joinFields(addedFields);
     copyIfPresent(out, old, ThemeKey::Workspace);
     copyIfPresent(out, old, ThemeKey::Base);
@@ -83,6 +72,20 @@ Result<QStringList> afterJoinLines(const ThemeSettings &old, const LayerState &l
     copyIfPresent(out, old, ThemeKey::Outline);
     out << line(ThemeKey::Visibile, flag(layer.visible));
     return out;
+}
+
+Result<QStringList> afterJoinLines(const ThemeSettings &old, const LayerState &layer, const QString &shapefile,
+                                   const QStringList &addedFields, const ReferenceDb &db)
+{
+    auto rows = db.query(QStringLiteral("Select * from ListaJoin where shpCollegato = ") + sqlQuote(shapefile));
+    if (!rows)
+        return rows.error();
+    JoinFields join;
+    if (!rows->empty()) {
+        const auto at = [&](const char *col) { return rows->value(0, QString::fromLatin1(col)).toString(); };
+        join = {at("PATHDB"), at("NOMEDB"), at("NOMETABELLA"), at("CAMPOJOININT"), at("CAMPOJOINEXT"), at("SHPCOLLEGATO")};
+    }
+    return afterJoinLines(old, layer, join, addedFields);
 }
 
 Status rewriteAfterJoin(const QString &iniPath, const LayerState &layer, const QString &shapefile,

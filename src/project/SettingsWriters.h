@@ -37,6 +37,8 @@ Status writeNewThemeFile(const QString &iniPath, const LayerState &layer,
 // `shapefile` (every field "-1" when there is none), STRUCTJOIN from the
 // fields the join added, the classification reset because the table changed.
 // Nothing is written when the reference database cannot be read.
+QStringList afterJoinLines(const ThemeSettings &old, const LayerState &layer, const JoinFields &join,
+                           const QStringList &addedFields);
 Result<QStringList> afterJoinLines(const ThemeSettings &old, const LayerState &layer, const QString &shapefile,
                                    const QStringList &addedFields, const ReferenceDb &db);
 Status rewriteAfterJoin(const QString &iniPath, const LayerState &layer, const QString &shapefile,

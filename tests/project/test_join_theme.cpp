@@ -6,6 +6,7 @@
 #include "atlas/AtlasBuilder.h"
 #include "platform/Messages.h"
 #include "map/MapModel.h"
+#include "project/JoinNames.h"
 #include "project/JoinTheme.h"
 #include "project/PristineSettings.h"
 #include "project/ThemeSettings.h"
@@ -104,10 +105,11 @@ private slots:
         QVERIFY(loaded->settings.join.isSet());
         auto outcome = rejoinTheme(m_home, loaded.value());
         QVERIFY2(outcome.ok(), qPrintable(outcome.errorMessage()));
-        // The alias is not stored: the column comes back under its own name.
-        QCOMPARE(outcome->addedFields, QStringList({"zPROG_MONT", "VAL"}));
+        // The column comes back under the alias it was given.
+        QCOMPARE(outcome->addedFields, QStringList({"zPROG_MONT", "valore"}));
         auto table = readDbf(dbf());
-        QCOMPARE(table->rows[0][size_t(table->fieldIndex(QStringLiteral("VAL")))].toLongLong(), 1LL);
+        QVERIFY(table->fieldIndex(QStringLiteral("VAL")) < 0);
+        QCOMPARE(table->rows[0][size_t(table->fieldIndex(QStringLiteral("valore")))].toLongLong(), 1LL);
         QCOMPARE(rowsOf(QStringLiteral("Select * from CAMPIJOIN")), 2);
     }
 
@@ -124,6 +126,34 @@ private slots:
         const ThemeSettings s = readThemeSettingsFile(ini(), QStringLiteral("cmont_01"));
         QVERIFY(!s.join.isSet());
         QVERIFY(s.structJoin.isEmpty());
+    }
+
+    // Without the recorded names (a project from another atlas home) the
+    // names still find their fields: own names, automatic conflict names,
+    // and an alias takes the next field after its neighbour.
+    void rejoinColumnsWithoutRecordedNames()
+    {
+        const StagingContext ctx{JoinSourceType::Text, QStringLiteral("/x"), QStringLiteral("a.txt"), m_home.italia(),
+                                 QStringLiteral("cmont_01")};
+        QList<StagedField> rows = stagedRowsFor(
+            ctx,
+            {{QStringLiteral("COD"), JoinFieldType::Text}, {QStringLiteral("NOME"), JoinFieldType::Text},
+             {QStringLiteral("NOTA"), JoinFieldType::Text}, {QStringLiteral("POP"), JoinFieldType::Long},
+             {QStringLiteral("Label"), JoinFieldType::Text}},
+            {QStringLiteral("Label"), QStringLiteral("PROG_MONT")});
+        chooseRejoinColumns(rows, {QStringLiteral("nome_com"), QStringLiteral("POP"), QStringLiteral("zLabel")}, {},
+                            QStringLiteral("COD"));
+        QStringList included;
+        for (const StagedField &r : rows)
+            if (r.incluso)
+                included << r.nomeCampo + QLatin1Char('>') + r.outputName();
+        QCOMPARE(included, QStringList({"COD>COD", "NOME>nome_com", "POP>POP", "Label>zLabel"}));
+
+        // A recorded name wins over the order.
+        chooseRejoinColumns(rows, {QStringLiteral("nome_com")}, {{QStringLiteral("NOME_COM"), QStringLiteral("NOTA")}},
+                            QStringLiteral("COD"));
+        QCOMPARE(rows[2].outputName(), QStringLiteral("nome_com"));
+        QVERIFY(rows[2].incluso && !rows[1].incluso && !rows[3].incluso);
     }
 
     void failedRejoinKeepsThemeLoadable()

@@ -139,7 +139,9 @@ Result<DbfTable> readDbf(const QString &path)
                 if (rawBytes) {
                     QByteArray bytes(feature->GetFieldAsString(i));
                     if (allUtf8) {
-                        QStringDecoder dec(QStringDecoder::Utf8);
+                        // Stateless: a multi-byte sequence cut by the field's end is an error,
+                        // as Latin-1 "Agliè" filling a C(5) field ends in a lone 0xE8.
+                        QStringDecoder dec(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
                         const QString s = dec.decode(bytes);
                         if (dec.hasError())
                             allUtf8 = false;

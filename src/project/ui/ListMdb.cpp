@@ -36,8 +36,8 @@ QString filterOf(const QString &type)
 {
     if (type == JoinSourceType::Access)
         return QStringLiteral("Microsoft Access MDBs (*.mdb)");
-    if (type == JoinSourceType::Text)
-        return QStringLiteral("Text Files (*.txt)");
+    if (type == JoinSourceType::Text)  // spreadsheets save .csv: offered after the text files
+        return QStringLiteral("Text Files (*.txt);;File CSV (*.csv)");
     return QStringLiteral("Dbase DBs (*.dbf)");
 }
 
@@ -171,7 +171,10 @@ void ListMdb::buildStep2(QWidget *page)
     m_tables = new QListWidget(page);
     m_tables->setObjectName(QStringLiteral("lstTabelle"));
     m_tables->setMaximumHeight(110);
-    connect(m_tables, &QListWidget::currentRowChanged, this, &ListMdb::tableChosen);
+    // A table is chosen by selecting it: the current row alone, which the
+    // list takes on when it gets the focus, chooses nothing.
+    m_tables->setSelectionMode(QAbstractItemView::SingleSelection);
+    connect(m_tables, &QListWidget::itemSelectionChanged, this, &ListMdb::tableChosen);
     layout->addWidget(m_tablesLabel);
     layout->addWidget(m_tables);
     m_model = new QStandardItemModel(0, 5, this);
@@ -306,9 +309,10 @@ bool ListMdb::chooseSource()
 
 void ListMdb::tableChosen()
 {
-    QListWidgetItem *item = m_tables->currentItem();
-    if (!item)
+    const QList<QListWidgetItem *> chosen = m_tables->selectedItems();
+    if (chosen.isEmpty())
         return;
+    QListWidgetItem *item = chosen.first();
     auto source = readAccessTable(m_sourceFolder + QLatin1Char('/') + m_sourceFile, item->text());
     if (!source) {
         showMessage(MsgStyle::Critical, JoinText::kSourceUnreadable);
@@ -328,6 +332,9 @@ bool ListMdb::stage(const SourceTable &source)
         showMessage(MsgStyle::Exclamation, st.errorMessage());
         return false;
     }
+    // Fields whose values cannot be read are listed, not included.
+    if (std::any_of(m_rows.cbegin(), m_rows.cend(), [](const StagedField &r) { return isUnreadableType(r.tipoCampo); }))
+        showMessage(MsgStyle::Exclamation, JoinText::kUnknownFormat);
     return true;
 }
 
