@@ -12,6 +12,8 @@ const std::vector<Command> &commands()
         {"sql", "sql (--folder DIR | --home DIR) \"ISTRUZIONE\"", cmdSql},
         {"render", "render --home DIR [--project FILE] [--size LxA] --out FILE.{png,bmp,emf,svg,pdf}", cmdRender},
         {"classify", "classify --home DIR --theme NOME --field CAMPO --method quantile|regolari|unico [--classes N] [--ramp N]", cmdClassify},
+        {"join", "join --home DIR --theme NOME --source FILE [--table TABELLA] --theme-key CAMPO --source-key CAMPO [--fields C1,C2,...]", cmdJoin},
+        {"unjoin", "unjoin --home DIR --theme NOME", cmdUnjoin},
     };
     return list;
 }

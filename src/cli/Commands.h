@@ -30,5 +30,7 @@ int cmdSql(const QStringList &args);
 int cmdBuildAtlas(const QStringList &args);
 int cmdRender(const QStringList &args);
 int cmdClassify(const QStringList &args);
+int cmdJoin(const QStringList &args);
+int cmdUnjoin(const QStringList &args);
 
 }  // namespace mervola::cli
