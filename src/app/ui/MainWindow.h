@@ -101,7 +101,7 @@ private:
     void openQueryBuilder();
     void openJoinWizard(const QString &layerName);
     void removeActiveJoin();
-    void afterJoinChange(const QString &layerName);
+    void afterJoinChange(const QString &layerName, bool joined);
     class DataHost;
     DataHost &dataHost();
     void showIndicator(const QString &field);

@@ -153,7 +153,7 @@ void MainWindow::openJoinWizard(const QString &layerName)
     target.layer.labelField = s.labelField;
     if (!mervola::openJoinWizard(this, target))
         return;
-    afterJoinChange(layerName);
+    afterJoinChange(layerName, true);
 }
 
 void MainWindow::removeActiveJoin()
@@ -166,16 +166,19 @@ void MainWindow::removeActiveJoin()
         showMessage(MsgStyle::Critical, st.errorMessage());
         return;
     }
-    afterJoinChange(name);
+    afterJoinChange(name, false);
 }
 
-// The theme's table changed: the layer re-reads it, the settings drawn anew.
-void MainWindow::afterJoinChange(const QString &layerName)
+// The theme's table changed: the layer re-reads it, the settings (a
+// classification dropped with the join included) are drawn anew, and an
+// open table window shows the new columns and caption.
+void MainWindow::afterJoinChange(const QString &layerName, bool joined)
 {
     if (auto st = reloadLayerAttributes(m_map->model(), layerName); !st)
         showMessage(MsgStyle::Critical, st.errorMessage());
     reapplyTheme(layerName);
     updateCommandStates();
+    attributeTableChanged(layerName, joined);
 }
 
 }  // namespace mervola

@@ -66,6 +66,11 @@ const ToolDef kTools[] = {
 const QStringList kChartTypes = {QStringLiteral("Barre"), QStringLiteral("Linee"), QStringLiteral("Aree"),
                                  QStringLiteral("Step"), QStringLiteral("Torta")};
 
+QString captionOf(const DbfWindowSource &source)
+{
+    return texts::kCaptionPrefix + source.themeName + (source.joined ? texts::kJoinedSuffix : QString());
+}
+
 QPointer<FrmDbf> &openWindow()
 {
     static QPointer<FrmDbf> window;
@@ -78,10 +83,7 @@ FrmDbf::FrmDbf(AttributeTableHost &host, DbfWindowSource source, QWidget *parent
     : QDialog(parent), m_host(host), m_source(std::move(source))
 {
     setObjectName(QStringLiteral("frmDbf"));
-    QString caption = texts::kCaptionPrefix + m_source.themeName;
-    if (m_source.joined)
-        caption += texts::kJoinedSuffix;
-    setWindowTitle(caption);
+    setWindowTitle(captionOf(m_source));
     setSizeGripEnabled(true);
     resize(900, 560);
 
@@ -352,6 +354,28 @@ void FrmDbf::sort(SortOrder order)
     refreshStatus();
 }
 
+void FrmDbf::tableChanged(bool joined)
+{
+    m_source.joined = joined;
+    setWindowTitle(captionOf(m_source));
+    const QFileInfo shp(m_source.shapefilePath);
+    auto opened = AttributeTable::open(shp.absolutePath(), shp.completeBaseName());
+    if (!opened || !m_table) {
+        showMessage(MsgStyle::Critical, opened ? texts::kNotAvailable : opened.errorMessage());
+        return;
+    }
+    m_grid->clearSelection();
+    *m_table = std::move(*opened);  // the model keeps pointing at the same table
+    m_column = -1;
+    for (const char *key : {"sortAsc", "sortDec", "statistiche"})
+        m_actions.value(QString::fromLatin1(key))->setEnabled(false);
+    setUpColumns();
+    m_grid->resizeColumnsToContents();
+    for (int c = 0; c < m_table->columnCount(); ++c)
+        m_grid->setColumnWidth(c, std::min(m_grid->columnWidth(c), 260));
+    refreshStatus();
+}
+
 void FrmDbf::queryApplied(bool found)
 {
     setUpColumns();
@@ -435,6 +459,12 @@ void FrmDbf::closeEvent(QCloseEvent *event)
 {
     m_host.attributeWindowClosed();
     event->accept();
+}
+
+void attributeTableChanged(const QString &layerName, bool joined)
+{
+    if (FrmDbf *open = openWindow(); open && open->layerName() == layerName)
+        open->tableChanged(joined);
 }
 
 FrmDbf *openAttributeTable(QWidget *parent, AttributeTableHost &host, const DbfWindowSource &source)

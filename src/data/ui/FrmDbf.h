@@ -62,6 +62,7 @@ public:
     ~FrmDbf() override;
 
     QString loadError() const { return m_loadError; }
+    QString layerName() const { return m_source.layerName; }
     // Runs a toolbar command by its key ("statistiche", "query", "Mostra" ...).
     void runCommand(const QString &key);
     // The state that statistics, charts and the report read.
@@ -76,6 +77,10 @@ public:
     std::function<QString()> chooseExportFile;
     // Opens the table query; the query dialog by default (tests replace it).
     std::function<void(FrmDbf &)> openQuery;
+
+    // The theme's table changed on disk (a join made or removed): the table
+    // is read again and the caption tells whether it carries external data.
+    void tableChanged(bool joined);
 
     // Called by the table query after a filter was set or dropped.
     void queryApplied(bool found);
@@ -128,5 +133,9 @@ private:
 // open) and shows it without blocking. Returns nullptr, after the message,
 // when the table cannot be read.
 FrmDbf *openAttributeTable(QWidget *parent, AttributeTableHost &host, const DbfWindowSource &source);
+
+// Tells the open attribute table window, when it shows `layerName`, that
+// its table changed (see FrmDbf::tableChanged).
+void attributeTableChanged(const QString &layerName, bool joined);
 
 }  // namespace mervola
