@@ -95,12 +95,10 @@ Result<JoinOutcome> stageAndJoin(const AtlasHome &home, const ScriptedJoin &join
         return Result<JoinOutcome>::fail(JoinText::kSourceUnreadable, JoinError::SourceFailed);
 
     const QFileInfo shp(theme->shapefilePath);
-    auto themeTable = readDbf(resolveCaseInsensitive(shp.absolutePath(), shp.completeBaseName() + QStringLiteral(".dbf")));
-    if (!themeTable)
+    const QStringList themeFields =
+        dbfFieldNames(resolveCaseInsensitive(shp.absolutePath(), shp.completeBaseName() + QStringLiteral(".dbf")));
+    if (themeFields.isEmpty())
         return Result<JoinOutcome>::fail(JoinText::kJoinFailed, JoinError::SourceFailed);
-    QStringList themeFields;
-    for (const DbfField &f : themeTable->fields)
-        themeFields << f.name;
 
     const ReferenceDb db(home);
     const StructureTable structure = readStructureTable(db).valueOr({});

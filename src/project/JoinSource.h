@@ -60,6 +60,10 @@ struct SourceTable {
     DbfTable table;
 };
 
+// The field names of a dBase table, read from its header alone (a join
+// needs the theme table's names long before its records).
+QStringList dbfFieldNames(const QString &dbfPath);
+
 // Tables of an Access database, system tables left out, in catalogue order.
 Result<QStringList> accessTableNames(const QString &mdbPath);
 Result<SourceTable> readAccessTable(const QString &mdbPath, const QString &table);

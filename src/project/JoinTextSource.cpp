@@ -75,14 +75,17 @@ std::vector<Record> parseRecords(const QString &text, QChar sep)
     bool inQuotes = false;
     bool any = false;  // the current record has content
     const auto endCell = [&] {
-        record << cell;
+        if (!cell.text.isEmpty() && (cell.text.front().isSpace() || cell.text.back().isSpace()))
+            cell.text = cell.text.trimmed();
+        record << std::move(cell);
         cell = Cell();
     };
     const auto endRecord = [&] {
         endCell();
         if (any)
-            records.push_back(record);
-        record.clear();
+            records.push_back(std::move(record));
+        record = Record();
+        record.reserve(records.empty() ? 8 : records.front().size());
         any = false;
     };
     for (qsizetype i = 0; i < text.size(); ++i) {
@@ -223,7 +226,7 @@ Result<SourceTable> readTextSource(const QString &txtPath)
             if (c >= records[r].size())
                 continue;
             const Cell &cell = records[r][c];
-            const QString v = cell.text.trimmed();
+            const QString &v = cell.text;
             width = std::max(width, int(v.size()));
             if (v.isEmpty() || !numeric)
                 continue;
@@ -250,7 +253,7 @@ Result<SourceTable> readTextSource(const QString &txtPath)
         for (size_t r = 0; r < records.size(); ++r) {
             if (c >= records[r].size())
                 continue;
-            const QString v = records[r][c].text.trimmed();
+            const QString &v = records[r][c].text;
             if (v.isEmpty())
                 continue;
             QVariant &cell = out.table.rows[r][size_t(c)];

@@ -65,12 +65,10 @@ Result<JoinOutcome> rejoinTheme(const AtlasHome &home, const LoadedTheme &theme,
 
     const QFileInfo shp(theme.shapefilePath);
     const QString themeTable = shp.completeBaseName();
-    auto table = readDbf(resolveCaseInsensitive(shp.absolutePath(), themeTable + QStringLiteral(".dbf")));
-    if (!table)
+    const QStringList themeFields =
+        dbfFieldNames(resolveCaseInsensitive(shp.absolutePath(), themeTable + QStringLiteral(".dbf")));
+    if (themeFields.isEmpty())
         return Result<JoinOutcome>::fail(JoinText::kJoinFailed, JoinError::SourceFailed);
-    QStringList themeFields;
-    for (const DbfField &f : table->fields)
-        themeFields << f.name;
 
     const StagingContext context{type, j.pathDb, j.nomeDb, shp.absolutePath(), themeTable};
     QList<StagedField> rows = stagedRowsFor(context, source->fields, themeFields);

@@ -101,7 +101,10 @@ private slots:
         QVERIFY(!rows->at(1).conflitto);
         QVERIFY(rows->at(1).incluso);
 
-        // An included field of unreadable type stops the second step; excluding it passes.
+        // A field of a kind a join cannot import starts excluded; included,
+        // it stops the second step; excluding it again passes.
+        QVERIFY(!rows->at(3).incluso);
+        (*rows)[3].incluso = true;
         QCOMPARE(checkIncludedFields(rows.value()).errorMessage(), JoinText::kUnsupportedIncluded);
         (*rows)[3].incluso = false;
         (*rows)[0].nomeConflitto = QStringLiteral("codcm");
@@ -132,6 +135,9 @@ private slots:
                                 row(QStringLiteral("POPOLAZIONE"), QStringLiteral("POPOLAZIONE"), JoinFieldType::Long)};
         QCOMPARE(checkIncludedFields(rows).errorMessage(),
                  QStringLiteral("La lunghezza del nome del campo non può superare i 10 caratteri."));
+        rows[1].aliasCampo = QStringLiteral("popolaz");  // a short alias is the column's name
+        QVERIFY(checkIncludedFields(rows).ok());
+        rows[1].aliasCampo = QStringLiteral("POPOLAZIONE");
         rows[1].incluso = false;
         QVERIFY(checkIncludedFields(rows).ok());
     }

@@ -141,8 +141,10 @@ private slots:
              {QStringLiteral("NOTA"), JoinFieldType::Text}, {QStringLiteral("POP"), JoinFieldType::Long},
              {QStringLiteral("Label"), JoinFieldType::Text}},
             {QStringLiteral("Label"), QStringLiteral("PROG_MONT")});
-        chooseRejoinColumns(rows, {QStringLiteral("nome_com"), QStringLiteral("POP"), QStringLiteral("zLabel")}, {},
-                            QStringLiteral("COD"));
+        chooseRejoinColumns(rows,
+                            {QStringLiteral("COD"), QStringLiteral("nome_com"), QStringLiteral("POP"),
+                             QStringLiteral("zLabel")},
+                            {}, QStringLiteral("COD"));
         QStringList included;
         for (const StagedField &r : rows)
             if (r.incluso)

@@ -100,10 +100,8 @@ ListMdb::ListMdb(JoinTarget target, QWidget *parent)
     setObjectName(QStringLiteral("ListMdb"));
     setWindowTitle(ListMdbText::kCaption);
     m_themeTable = QFileInfo(m_target.shapefilePath).completeBaseName();
-    if (auto table = readDbf(resolveCaseInsensitive(QFileInfo(m_target.shapefilePath).absolutePath(),
-                                                    m_themeTable + QStringLiteral(".dbf"))))
-        for (const DbfField &f : table->fields)
-            m_themeFields << f.name;
+    m_themeFields = dbfFieldNames(
+        resolveCaseInsensitive(QFileInfo(m_target.shapefilePath).absolutePath(), m_themeTable + QStringLiteral(".dbf")));
     m_chooseFile = [this](const QString &title, const QString &filter) {
         return QFileDialog::getOpenFileName(this, title, QString(), filter);
     };

@@ -36,8 +36,10 @@ namespace {
 void answerFileDialog(const QString &path)
 {
     whenModal<QFileDialog>([path](QFileDialog *d) {
-        d->selectFile(path);
-        d->accept();
+        auto *name = d->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        QVERIFY(name);
+        name->setText(path);  // typed as a full path, then Enter
+        QTest::keyClick(name, Qt::Key_Return);
     });
 }
 
@@ -52,7 +54,8 @@ QStringList headerTexts(QTableView *view)
 QStringList fieldNames(const QString &dbf)
 {
     QStringList out;
-    for (const DbfField &f : readDbf(dbf)->fields)
+    const auto table = readDbf(dbf);
+    for (const DbfField &f : table->fields)
         out << f.name;
     return out;
 }

@@ -101,8 +101,17 @@ public:
             editor = line;
         }
         QVERIFY(editor);
-        QTest::keyClick(editor, Qt::Key_Return);
+        QTest::keyClick(editor, Qt::Key_Return);  // the view commits and closes the editor on its next turn
+        QApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    // With MERVOLA_SCREENSHOTS set, the window as the user sees it, for review.
+    void shot(const char *name)
+    {
+        const QString dir = qEnvironmentVariable("MERVOLA_SCREENSHOTS");
+        QApplication::processEvents();
+        if (!dir.isEmpty())
+            w.grab().save(dir + QLatin1Char('/') + QString::fromLatin1(name) + QStringLiteral(".png"));
     }
     // Step 3: the two join fields, then "Fine".
     void joinOn(const QString &extField, const QString &themeField)
@@ -180,7 +189,7 @@ private slots:
         QFETCH(bool, bom);
         Atlas a;
         const QList<Municipality> all = municipalities(a.home.root());
-        QVERIFY(writeFile(a.ext + QStringLiteral("/comuni.csv"), spreadsheetCsv(all, sep[0], bom)));
+        QVERIFY(writeFile(a.ext + QStringLiteral("/comuni.csv"), mervola::test::spreadsheetCsv(all, sep[0], bom)));
         MessageRecorder rec;
         Driver d(a.target());
         d.choose("rb_Text", a.ext + QStringLiteral("/comuni.csv"));
@@ -191,7 +200,9 @@ private slots:
         for (int r = 0; r < 4; ++r)
             QCOMPARE(d.grid()->index(r, 3).data().toString(), formats[r]);
         d.edit(QStringLiteral("Superficie"), 2, QStringLiteral("superf"));
+        d.shot("passo2-csv");
         d.press("cmd_avanti");
+        d.shot("passo3-csv");
         QCOMPARE(d.w.findChild<QComboBox *>(QStringLiteral("Combo_Ext"))->findText(QStringLiteral("ISTAT")), 0);
         d.joinOn(QStringLiteral("ISTAT"), QStringLiteral("Codice ISTAT"));
         QVERIFY2(rec.entries().isEmpty(), qPrintable(rec.entries().value(0).text));
@@ -353,6 +364,7 @@ private slots:
         QCOMPARE(rec.entries().first().text, QStringLiteral("Formato dati non previsto."));
         QCOMPARE(d.grid()->index(1, 3).data().toString(), QStringLiteral("Non riconosciuto"));
         QCOMPARE(d.grid()->index(1, 0).data().toString(), QStringLiteral("No"));
+        d.shot("passo2-access");
         d.press("cmd_avanti");
         QCOMPARE(d.w.step(), 3);
 
@@ -484,7 +496,7 @@ private slots:
         Atlas a;
         const QList<Municipality> all = municipalities(a.home.root());
         QVERIFY(writeNamesFile(a.ext + QStringLiteral("/nomi.txt"), all));
-        QVERIFY(writeFile(a.ext + QStringLiteral("/aree.csv"), spreadsheetCsv(all, QLatin1Char(';'), false)));
+        QVERIFY(writeFile(a.ext + QStringLiteral("/aree.csv"), mervola::test::spreadsheetCsv(all, QLatin1Char(';'), false)));
         {
             MessageRecorder rec;
             Driver first(a.target());
