@@ -21,7 +21,8 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
 struct Bench {
     QTemporaryDir dir;
@@ -143,7 +144,7 @@ void BM_RemoveJoin(benchmark::State &state)
 }
 BENCHMARK(BM_RemoveJoin)->Unit(benchmark::kMillisecond);
 
-}  // namespace
+} // namespace
 
 int main(int argc, char **argv)
 {

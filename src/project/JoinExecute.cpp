@@ -16,9 +16,11 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 JoinFailureHook &failureHook()
 {
@@ -26,18 +28,27 @@ JoinFailureHook &failureHook()
     return hook;
 }
 
-bool injectedFailure(JoinStep step) { return failureHook() && failureHook()(step); }
+bool injectedFailure(JoinStep step)
+{
+    return failureHook() && failureHook()(step);
+}
 
 Error joinError(int code, const QString &message = {})
 {
     switch (code) {
     case JoinError::SourceFailed:
-    case JoinError::PathFailed: return {JoinText::kJoinFailed, code};
-    case JoinError::FieldExists: return {JoinText::kFieldExists, code};
-    case JoinError::LinkFailed: return {JoinText::kLinkRestored, code};
-    case JoinError::DuplicateKey: return {JoinText::kNotUnique, code};
-    case JoinError::EngineError: return {message, code};
-    default: return {QString::number(code) + QStringLiteral("  ") + JoinText::kCannotJoin, code};
+    case JoinError::PathFailed:
+        return {JoinText::kJoinFailed, code};
+    case JoinError::FieldExists:
+        return {JoinText::kFieldExists, code};
+    case JoinError::LinkFailed:
+        return {JoinText::kLinkRestored, code};
+    case JoinError::DuplicateKey:
+        return {JoinText::kNotUnique, code};
+    case JoinError::EngineError:
+        return {message, code};
+    default:
+        return {QString::number(code) + QStringLiteral("  ") + JoinText::kCannotJoin, code};
     }
 }
 
@@ -56,7 +67,8 @@ void removeTable(const QString &dbfPath)
 // One join from its request to the committed bookkeeping. Every file it
 // creates or replaces is noted in `files`, every row it writes goes through
 // the open transaction `tx`; an early return leaves both to roll back.
-class JoinRun {
+class JoinRun
+{
 public:
     JoinRun(const ReferenceDb &db, const JoinRequest &request, const std::optional<JoinSettingsFile> &settings)
         : m_db(db), m_request(request), m_settings(settings)
@@ -64,8 +76,8 @@ public:
         const QFileInfo shp(request.shapefilePath);
         m_folder = shp.absolutePath();
         const QString suffix = shp.suffix().toLower();
-        m_outcome.themeTable = suffix == QLatin1String("shp") || suffix == QLatin1String("dbf") ? shp.completeBaseName()
-                                                                                                : shp.fileName();
+        m_outcome.themeTable =
+            suffix == QLatin1String("shp") || suffix == QLatin1String("dbf") ? shp.completeBaseName() : shp.fileName();
         m_outcome.themeDbf = tableIn(m_folder, m_outcome.themeTable);
         m_shapefile = shp.fileName();
     }
@@ -120,7 +132,7 @@ private:
             return joinError(JoinError::PathFailed);
         const QString ext = QLatin1Char('.') + QFileInfo(original).suffix();
         if (!makeCopyIn(m_request.sourceFolder, original, ext)) {
-            m_scratch = std::make_unique<QTemporaryDir>();  // a folder the user may not write to
+            m_scratch = std::make_unique<QTemporaryDir>(); // a folder the user may not write to
             if (!m_scratch->isValid() || !makeCopyIn(m_scratch->path(), original, ext))
                 return joinError(JoinError::PathFailed);
         }
@@ -246,8 +258,8 @@ private:
 
         const QString table =
             m_request.sourceType == JoinSourceType::Access ? m_request.sourceTable : m_request.sourceFile;
-        m_join = {m_request.sourceFolder, m_request.sourceFile, table, m_request.themeJoinField,
-                  m_request.extJoinField, m_shapefile};
+        m_join = {m_request.sourceFolder,   m_request.sourceFile,   table,
+                  m_request.themeJoinField, m_request.extJoinField, m_shapefile};
         QStringList listed{
             QStringLiteral(
                 "INSERT INTO LISTAJOIN (PATHDB,NOMEDB,NOMETABELLA,CAMPOJOININT,CAMPOJOINEXT,SHPCOLLEGATO) VALUES ('") +
@@ -319,9 +331,12 @@ private:
     SqliteDb m_tx;
 };
 
-}  // namespace
+} // namespace
 
-void setJoinFailureHook(JoinFailureHook hook) { failureHook() = std::move(hook); }
+void setJoinFailureHook(JoinFailureHook hook)
+{
+    failureHook() = std::move(hook);
+}
 
 QString joinBackupPath(const QString &themeDbf)
 {
@@ -340,14 +355,20 @@ int joinErrorStyle(const Error &error)
 {
     switch (error.code) {
     case JoinError::SourceFailed:
-    case JoinError::PathFailed: return MsgStyle::Information;
+    case JoinError::PathFailed:
+        return MsgStyle::Information;
     case JoinError::EngineError:
-    case JoinError::FieldExists: return MsgStyle::Exclamation;
-    default: return MsgStyle::Critical;
+    case JoinError::FieldExists:
+        return MsgStyle::Exclamation;
+    default:
+        return MsgStyle::Critical;
     }
 }
 
-void showJoinError(const Error &error) { showMessage(joinErrorStyle(error), error.message); }
+void showJoinError(const Error &error)
+{
+    showMessage(joinErrorStyle(error), error.message);
+}
 
 Result<JoinOutcome> runJoin(const ReferenceDb &db, const JoinRequest &request, const QString &iniPath,
                             const LayerState &layer)
@@ -355,4 +376,4 @@ Result<JoinOutcome> runJoin(const ReferenceDb &db, const JoinRequest &request, c
     return Execute_Join(db, request, JoinSettingsFile{iniPath, layer});
 }
 
-}  // namespace mervola
+} // namespace mervola

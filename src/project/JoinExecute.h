@@ -16,22 +16,25 @@
 #include <functional>
 #include <optional>
 
-namespace mervola {
+namespace mervola
+{
 
 // Error numbers of the join (the database engine's numbering) and the
 // messages the user sees for them.
-namespace JoinError {
-constexpr int SourceFailed = 3061;   // the source cannot be opened or read
-constexpr int PathFailed = 75;       // a file of the source cannot be copied
-constexpr int EngineError = 3016;    // shown with its own description
-constexpr int FieldExists = 3063;    // two joined columns get the same name
-constexpr int LinkFailed = 3382;     // the joined table cannot be written
-constexpr int FileAccess = 3051;     // a file of the theme cannot be replaced
-constexpr int Bookkeeping = 3078;    // the reference database refused a row
-constexpr int DuplicateKey = -1;     // the external key is not unique (own message)
-}  // namespace JoinError
+namespace JoinError
+{
+constexpr int SourceFailed = 3061; // the source cannot be opened or read
+constexpr int PathFailed = 75;     // a file of the source cannot be copied
+constexpr int EngineError = 3016;  // shown with its own description
+constexpr int FieldExists = 3063;  // two joined columns get the same name
+constexpr int LinkFailed = 3382;   // the joined table cannot be written
+constexpr int FileAccess = 3051;   // a file of the theme cannot be replaced
+constexpr int Bookkeeping = 3078;  // the reference database refused a row
+constexpr int DuplicateKey = -1;   // the external key is not unique (own message)
+} // namespace JoinError
 
-namespace JoinText {
+namespace JoinText
+{
 inline const QString kJoinFailed = QStringLiteral("Collegamento con tabella esterna fallito.");
 inline const QString kFieldExists = QStringLiteral("Campo di destinazione esistente");
 inline const QString kLinkRestored = QStringLiteral(
@@ -41,23 +44,23 @@ inline const QString kNotUnique = QStringLiteral("Impossibile collegare le tabel
 inline const QString kCannotJoin = QStringLiteral("Imposibile eseguire collegamento.");
 inline const QString kRestoreData =
     QStringLiteral("Impossibile collegare tabella.") + QStringLiteral("\r\n") + QStringLiteral("Ripristinare i dati.");
-}  // namespace JoinText
+} // namespace JoinText
 
 struct JoinRequest {
-    QString shapefilePath;  // the theme's shapefile (or its .dbf when the name has no ".shp")
-    QString sourceType;     // JoinSourceType::Access, DbaseIV or Text
+    QString shapefilePath; // the theme's shapefile (or its .dbf when the name has no ".shp")
+    QString sourceType;    // JoinSourceType::Access, DbaseIV or Text
     QString sourceFolder;
     QString sourceFile;
-    QString sourceTable;    // the Access table; the file otherwise
+    QString sourceTable; // the Access table; the file otherwise
     QString themeJoinField;
     QString extJoinField;
     int layerIndex = 0;
 };
 
 struct JoinOutcome {
-    QString themeTable;        // base name of the theme table
-    QString themeDbf;          // its path
-    QStringList addedFields;   // columns the join added, in table order
+    QString themeTable;      // base name of the theme table
+    QString themeDbf;        // its path
+    QStringList addedFields; // columns the join added, in table order
 };
 
 // The theme's settings file, rewritten as the last step of the join.
@@ -68,15 +71,15 @@ struct JoinSettingsFile {
 
 // The steps of a join after which a failure must leave everything as it was.
 enum class JoinStep {
-    CopySource,    // working copy of a dBase or text source made
-    ReadSource,    // source and staged rows read
-    WriteJoinMdb,  // joinmdb.dbf written beside the theme table
-    WriteTemp,     // temp.dbf written
-    Backup,        // backup of the theme table taken
-    CampiJoin,     // CAMPIJOIN rows inserted
-    ReplaceTable,  // temp.dbf took the theme table's place
-    ListaJoin,     // LISTAJOIN row inserted
-    Settings,      // settings file rewritten
+    CopySource,   // working copy of a dBase or text source made
+    ReadSource,   // source and staged rows read
+    WriteJoinMdb, // joinmdb.dbf written beside the theme table
+    WriteTemp,    // temp.dbf written
+    Backup,       // backup of the theme table taken
+    CampiJoin,    // CAMPIJOIN rows inserted
+    ReplaceTable, // temp.dbf took the theme table's place
+    ListaJoin,    // LISTAJOIN row inserted
+    Settings,     // settings file rewritten
 };
 inline constexpr JoinStep kLastJoinStep = JoinStep::Settings;
 
@@ -106,4 +109,4 @@ Result<JoinOutcome> runJoin(const ReferenceDb &db, const JoinRequest &request, c
 // Backup file of a theme table: the table name + ".bak" in its folder.
 QString joinBackupPath(const QString &themeDbf);
 
-}  // namespace mervola
+} // namespace mervola

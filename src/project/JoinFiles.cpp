@@ -7,9 +7,11 @@
 #include <QFileInfo>
 #include <filesystem>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 // Case-insensitive presence, as the names the user sees on a case-blind
 // file system would clash.
@@ -18,7 +20,7 @@ bool nameTaken(const QStringList &present, const QString &name)
     return present.contains(name, Qt::CaseInsensitive);
 }
 
-}  // namespace
+} // namespace
 
 bool renameReplacing(const QString &from, const QString &to)
 {
@@ -91,4 +93,4 @@ QString freeWorkingCopyName(const QString &folder, const QString &extension)
     }
 }
 
-}  // namespace mervola
+} // namespace mervola

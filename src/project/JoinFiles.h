@@ -8,9 +8,11 @@
 #include <QStringList>
 #include <vector>
 
-namespace mervola {
+namespace mervola
+{
 
-class FileRollback {
+class FileRollback
+{
 public:
     FileRollback() = default;
     FileRollback(const FileRollback &) = delete;
@@ -31,7 +33,7 @@ public:
 private:
     struct Kept {
         QString path;
-        QString copy;  // empty when the file did not exist
+        QString copy; // empty when the file did not exist
     };
     std::vector<Kept> m_kept;
     QStringList m_created;
@@ -46,4 +48,4 @@ bool renameReplacing(const QString &from, const QString &to);
 // file (the source itself included), together with its .cpg.
 QString freeWorkingCopyName(const QString &folder, const QString &extension);
 
-}  // namespace mervola
+} // namespace mervola

@@ -4,9 +4,11 @@
 #include "platform/dbf/DbfTable.h"
 #include "project/ReferenceDb.h"
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 const QString kCreate = QStringLiteral(
     "CREATE TABLE IF NOT EXISTS ALIASJOIN (SHPCOLLEGATO TEXT COLLATE NOCASE, PATHDB TEXT COLLATE NOCASE, "
@@ -30,13 +32,13 @@ bool sameName(const QString &a, const QString &b)
 int rowNamedBy(const QList<StagedField> &rows, const QString &name, const std::vector<bool> &used)
 {
     for (int i = 0; i < rows.size(); ++i)
-        if (!used[size_t(i)] && (sameName(rows[i].nomeCampo, name) ||
-                                 (rows[i].conflitto && sameName(rows[i].nomeConflitto, name))))
+        if (!used[size_t(i)] &&
+            (sameName(rows[i].nomeCampo, name) || (rows[i].conflitto && sameName(rows[i].nomeConflitto, name))))
             return i;
     return -1;
 }
 
-}  // namespace
+} // namespace
 
 QStringList columnNameStatements(const JoinFields &join, const QList<StagedField> &rows)
 {
@@ -60,7 +62,7 @@ QHash<QString, QString> recordedColumnNames(const ReferenceDb &db, const JoinFie
 {
     QHash<QString, QString> names;
     auto rows = db.query(QStringLiteral("SELECT CAMPOAGGIUNTO, NOMECAMPO FROM ALIASJOIN WHERE ") + sameJoin(join));
-    if (!rows)  // an atlas where no join was ever made has no such table
+    if (!rows) // an atlas where no join was ever made has no such table
         return names;
     for (size_t i = 0; i < rows->size(); ++i)
         names.insert(rows->value(i, QStringLiteral("CAMPOAGGIUNTO")).toString().toUpper(),
@@ -122,4 +124,4 @@ void chooseRejoinColumns(QList<StagedField> &rows, const QStringList &wanted, co
             r.incluso = true;
 }
 
-}  // namespace mervola
+} // namespace mervola

@@ -12,7 +12,8 @@
 
 #include <QHash>
 
-namespace mervola {
+namespace mervola
+{
 
 class ReferenceDb;
 
@@ -33,4 +34,4 @@ QHash<QString, QString> recordedColumnNames(const ReferenceDb &db, const JoinFie
 void chooseRejoinColumns(QList<StagedField> &rows, const QStringList &wanted, const QHash<QString, QString> &recorded,
                          const QString &extJoinField);
 
-}  // namespace mervola
+} // namespace mervola

@@ -10,9 +10,11 @@
 
 #include <algorithm>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 int rowOf(const QList<StagedField> &rows, const QString &field)
 {
@@ -135,7 +137,7 @@ Result<JoinOutcome> stageAndJoin(const AtlasHome &home, const ScriptedJoin &join
     return runJoin(db, request, theme->iniPath, theme->layer);
 }
 
-}  // namespace
+} // namespace
 
 Result<JoinOutcome> runScriptedJoin(const AtlasHome &home, const ScriptedJoin &join)
 {
@@ -160,4 +162,4 @@ Status runScriptedUnjoin(const AtlasHome &home, const QString &theme)
     return removeJoin(home, t->shapefilePath, t->iniPath);
 }
 
-}  // namespace mervola
+} // namespace mervola

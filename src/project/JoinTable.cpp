@@ -8,11 +8,16 @@
 #include <algorithm>
 #include <cmath>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
-Error tableError(int code) { return Error{QString(), code}; }
+Error tableError(int code)
+{
+    return Error{QString(), code};
+}
 
 // Normalised join key: numbers by value, text trimmed and upper-cased (the
 // engine compares text without regard to case). Null keys match nothing.
@@ -23,14 +28,19 @@ QString keyOf(const QVariant &v)
     switch (v.typeId()) {
     case QMetaType::Int:
     case QMetaType::LongLong:
-    case QMetaType::Double: return QStringLiteral("#") + QString::number(v.toDouble(), 'g', 17);
-    default: break;
+    case QMetaType::Double:
+        return QStringLiteral("#") + QString::number(v.toDouble(), 'g', 17);
+    default:
+        break;
     }
     const QString s = v.toString().trimmed().toUpper();
     return s.isEmpty() ? QString() : QStringLiteral("$") + s;
 }
 
-int integerDigits(double v) { return int(QString::number(std::floor(std::fabs(v)), 'f', 0).size()); }
+int integerDigits(double v)
+{
+    return int(QString::number(std::floor(std::fabs(v)), 'f', 0).size());
+}
 
 // A text column: every value in the code page, the width in its bytes.
 void fitText(DbfField &f, std::vector<std::vector<QVariant>> &rows, int c, bool utf8, bool latin1)
@@ -83,7 +93,7 @@ void fitNumber(DbfField &f, const std::vector<std::vector<QVariant>> &rows, int 
     f.width = kDbfMaxNumericWidth;
 }
 
-}  // namespace
+} // namespace
 
 Result<DbfTable> selectColumns(const SourceTable &source, const QList<StagedField> &rows)
 {
@@ -171,4 +181,4 @@ void fitColumns(DbfTable &table, const QString &encoding)
     }
 }
 
-}  // namespace mervola
+} // namespace mervola

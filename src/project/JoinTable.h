@@ -9,7 +9,8 @@
 #include "project/JoinSource.h"
 #include "project/JoinStaging.h"
 
-namespace mervola {
+namespace mervola
+{
 
 // The included columns of the source, renamed as staged, names cut to the
 // dBase limit. Fails with the join's error numbers (3061 a staged field is
@@ -32,4 +33,4 @@ Result<DbfTable> leftJoin(const DbfTable &theme, int themeKey, const DbfTable &e
 // decimals (N(24,15) as GDAL writes them becomes N(20,d)).
 void fitColumns(DbfTable &table, const QString &encoding);
 
-}  // namespace mervola
+} // namespace mervola

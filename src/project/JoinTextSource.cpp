@@ -13,9 +13,11 @@
 
 #include <cmath>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 struct Cell {
     QString text;
@@ -73,7 +75,7 @@ std::vector<Record> parseRecords(const QString &text, QChar sep)
     Record record;
     Cell cell;
     bool inQuotes = false;
-    bool any = false;  // the current record has content
+    bool any = false; // the current record has content
     const auto endCell = [&] {
         if (!cell.text.isEmpty() && (cell.text.front().isSpace() || cell.text.back().isSpace()))
             cell.text = cell.text.trimmed();
@@ -176,7 +178,10 @@ bool readNumber(const QString &v, double *out, int *decimals)
 
 // A quoted cell that did not need its quotes for the separator was saved
 // as text on purpose.
-bool quotedAsText(const Cell &cell, QChar sep) { return cell.quoted && !cell.text.contains(sep); }
+bool quotedAsText(const Cell &cell, QChar sep)
+{
+    return cell.quoted && !cell.text.contains(sep);
+}
 
 QString uniqueName(QString name, int column, const QStringList &taken)
 {
@@ -188,7 +193,7 @@ QString uniqueName(QString name, int column, const QStringList &taken)
     return candidate;
 }
 
-}  // namespace
+} // namespace
 
 Result<SourceTable> readTextSource(const QString &txtPath)
 {
@@ -268,4 +273,4 @@ Result<SourceTable> readTextSource(const QString &txtPath)
     return out;
 }
 
-}  // namespace mervola
+} // namespace mervola

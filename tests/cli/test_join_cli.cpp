@@ -9,16 +9,18 @@
 using namespace mervola;
 using namespace mervola::test;
 
-namespace {
+namespace
+{
 
 int cli(const QStringList &args, QString *out = nullptr, QString *err = nullptr)
 {
     return runProgram(QStringLiteral(MERVOLA_CLI), args, out, err);
 }
 
-}  // namespace
+} // namespace
 
-class TestJoinCli : public QObject {
+class TestJoinCli : public QObject
+{
     Q_OBJECT
     QTemporaryDir m_dir;
     QString m_home;
@@ -26,10 +28,9 @@ class TestJoinCli : public QObject {
 
     QStringList joinArgs(const QString &source, const QString &sourceKey) const
     {
-        return {QStringLiteral("join"),       QStringLiteral("--home"),     m_home,
-                QStringLiteral("--theme"),    QStringLiteral("comuni"),     QStringLiteral("--source"),
-                source,                       QStringLiteral("--theme-key"), QStringLiteral("COD_ISTAT"),
-                QStringLiteral("--source-key"), sourceKey};
+        return {QStringLiteral("join"),      QStringLiteral("--home"),       m_home,   QStringLiteral("--theme"),
+                QStringLiteral("comuni"),    QStringLiteral("--source"),     source,   QStringLiteral("--theme-key"),
+                QStringLiteral("COD_ISTAT"), QStringLiteral("--source-key"), sourceKey};
     }
 
 private slots:
@@ -55,7 +56,8 @@ private slots:
         auto joined = readDbf(dbf);
         QCOMPARE(int(joined->rowCount()), 7899);
         QCOMPARE(joined->fields.mid(25).size(), 2);
-        const int code = joined->fieldIndex(QStringLiteral("COD_ISTAT")), name = joined->fieldIndex(QStringLiteral("NOME"));
+        const int code = joined->fieldIndex(QStringLiteral("COD_ISTAT")),
+                  name = joined->fieldIndex(QStringLiteral("NOME"));
         const int label = joined->fieldIndex(QStringLiteral("Label"));
         for (const auto &r : joined->rows) {
             QCOMPARE(r[size_t(name)].toString(), r[size_t(label)].toString());
@@ -65,7 +67,8 @@ private slots:
         QVERIFY(ini.contains(QStringLiteral("STRUCTJOIN =CODICE^NOME^")));
 
         QCOMPARE(cli({QStringLiteral("unjoin"), QStringLiteral("--home"), m_home, QStringLiteral("--theme"),
-                      QStringLiteral("comuni")}, &out, &err),
+                      QStringLiteral("comuni")},
+                     &out, &err),
                  0);
         QCOMPARE(readFile(dbf), before);
         QVERIFY(readFile(m_home + QStringLiteral("/supporto/comuni.ini")).contains("JOIN=-1^-1^-1^-1^-1^-1^\n"));
@@ -91,19 +94,22 @@ private slots:
     {
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<QString>("message");
-        QTest::newRow("key not unique") << QStringList{QStringLiteral("dup")} << QStringLiteral(
-                                               "Impossibile collegare le tabelle.\r\nValori non unici nel campo da collegare.");
+        QTest::newRow("key not unique")
+            << QStringList{QStringLiteral("dup")}
+            << QStringLiteral("Impossibile collegare le tabelle.\r\nValori non unici nel campo da collegare.");
         QTest::newRow("numeric key") << QStringList{QStringLiteral("numkey")}
                                      << QStringLiteral("Il campo di collegamento QUOTA non è di tipo alfanumerico.");
         QTest::newRow("unknown field") << QStringList{QStringLiteral("field")}
                                        << QStringLiteral("Campo non trovato nella tabella esterna: NESSUNO");
         QTest::newRow("long file name") << QStringList{QStringLiteral("longname")}
-                                        << QStringLiteral("NOMILUNGHISSIMI.TXT nome file non valido.\r\nIl nome del file non "
-                                                          "deve superare gli 8 caratteri (estensione esclusa):\r\nmiofile1.txt"
-                                                          "  -> corretto \r\nmiofile1999.txt -> errato.");
-        QTest::newRow("no Access table") << QStringList{QStringLiteral("access")} << QStringLiteral("Selezionare una tabella.");
-        QTest::newRow("no join to remove") << QStringList{QStringLiteral("unjoin")}
-                                           << QStringLiteral("Il tema comuni non ha tabelle collegate.");
+                                        << QStringLiteral(
+                                               "NOMILUNGHISSIMI.TXT nome file non valido.\r\nIl nome del file non "
+                                               "deve superare gli 8 caratteri (estensione esclusa):\r\nmiofile1.txt"
+                                               "  -> corretto \r\nmiofile1999.txt -> errato.");
+        QTest::newRow("no Access table") << QStringList{QStringLiteral("access")}
+                                         << QStringLiteral("Selezionare una tabella.");
+        QTest::newRow("no join to remove")
+            << QStringList{QStringLiteral("unjoin")} << QStringLiteral("Il tema comuni non ha tabelle collegate.");
     }
     void refusalsChangeNothing()
     {
@@ -119,7 +125,8 @@ private slots:
         else if (kind == QLatin1String("numkey"))
             run = joinArgs(user + QStringLiteral("/conf.txt"), QStringLiteral("QUOTA"));
         else if (kind == QLatin1String("field"))
-            run = joinArgs(m_names, QStringLiteral("CODICE")) << QStringLiteral("--fields") << QStringLiteral("NESSUNO");
+            run = joinArgs(m_names, QStringLiteral("CODICE"))
+                  << QStringLiteral("--fields") << QStringLiteral("NESSUNO");
         else if (kind == QLatin1String("longname"))
             run = joinArgs(user + QStringLiteral("/nomilunghissimi.txt"), QStringLiteral("COD"));
         else if (kind == QLatin1String("access"))

@@ -9,14 +9,15 @@
 using namespace mervola;
 using namespace mervola::test;
 
-class TestJoinTextSource : public QObject {
+class TestJoinTextSource : public QObject
+{
     Q_OBJECT
 
 private slots:
     // One column "V" after a key column; the family and first value read.
     void columnKinds_data()
     {
-        QTest::addColumn<QByteArray>("values");  // the V cells, one per line
+        QTest::addColumn<QByteArray>("values"); // the V cells, one per line
         QTest::addColumn<QString>("family");
         QTest::addColumn<QVariant>("first");
         QTest::newRow("decimal comma") << QByteArray("94,79\n-0,5") << "Numerico" << QVariant(94.79);
@@ -28,8 +29,7 @@ private slots:
         QTest::newRow("zero zero") << QByteArray("00\n1") << "Alfanumerico" << QVariant("00");
         QTest::newRow("single zero") << QByteArray("0\n0,25") << "Numerico" << QVariant(0.0);
         QTest::newRow("quoted on purpose") << QByteArray("\"12\"\n13") << "Alfanumerico" << QVariant("12");
-        QTest::newRow("points as groups only") << QByteArray("1.234.567\n2") << "Alfanumerico"
-                                               << QVariant("1.234.567");
+        QTest::newRow("points as groups only") << QByteArray("1.234.567\n2") << "Alfanumerico" << QVariant("1.234.567");
         QTest::newRow("mixed text") << QByteArray("12\nn.d.") << "Alfanumerico" << QVariant("12");
         QTest::newRow("empty cells") << QByteArray("\n5") << "Numerico" << QVariant();
     }
@@ -60,7 +60,8 @@ private slots:
     {
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("t.csv"));
-        QVERIFY(writeFile(path, "\xEF\xBB\xBF" "COD,Nome,Nome,,Quota,,\r\n"
+        QVERIFY(writeFile(path, "\xEF\xBB\xBF"
+                                "COD,Nome,Nome,,Quota,,\r\n"
                                 "001001,\"Agli\xC3\xA8, \"\"Canavese\"\"\",x,y,\"250,5\",,\r\n"
                                 "001002,\"Riga\r\nlunga\",x,y,\"3,0\",,\r\n"));
         auto t = readTextSource(path);

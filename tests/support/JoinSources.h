@@ -10,11 +10,12 @@
 
 #include <QDir>
 #include <QDirIterator>
-#include <QMap>
 #include <QFileInfo>
+#include <QMap>
 #include <QStringList>
 
-namespace mervola::test {
+namespace mervola::test
+{
 
 // Every file under a folder with its bytes, keyed by the path inside it.
 inline QMap<QString, QByteArray> folderSnapshot(const QString &folder)
@@ -29,8 +30,8 @@ inline QMap<QString, QByteArray> folderSnapshot(const QString &folder)
 }
 
 struct Municipality {
-    QString code;  // COD_ISTAT, six digits with leading zeros
-    QString name;  // Label
+    QString code; // COD_ISTAT, six digits with leading zeros
+    QString name; // Label
     double area = 0;
     qlonglong population = 0;
 };
@@ -126,4 +127,4 @@ inline QByteArray latin1Dbase()
     return out + '\x1A';
 }
 
-}  // namespace mervola::test
+} // namespace mervola::test

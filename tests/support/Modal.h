@@ -6,10 +6,10 @@
 #include <QTimer>
 #include <functional>
 
-namespace mervola::test {
+namespace mervola::test
+{
 
-template <class T>
-void whenModal(std::function<void(T *)> fn)
+template <class T> void whenModal(std::function<void(T *)> fn)
 {
     QTimer::singleShot(20, [fn] {
         if (auto *w = qobject_cast<T *>(QApplication::activeModalWidget()))
@@ -19,4 +19,4 @@ void whenModal(std::function<void(T *)> fn)
     });
 }
 
-}  // namespace mervola::test
+} // namespace mervola::test

@@ -30,7 +30,8 @@
 using namespace mervola;
 using namespace mervola::test;
 
-namespace {
+namespace
+{
 
 // The file dialog: the file typed in and accepted.
 void answerFileDialog(const QString &path)
@@ -38,7 +39,7 @@ void answerFileDialog(const QString &path)
     whenModal<QFileDialog>([path](QFileDialog *d) {
         auto *name = d->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
         QVERIFY(name);
-        name->setText(path);  // typed as a full path, then Enter
+        name->setText(path); // typed as a full path, then Enter
         QTest::keyClick(name, Qt::Key_Return);
     });
 }
@@ -60,9 +61,10 @@ QStringList fieldNames(const QString &dbf)
     return out;
 }
 
-}  // namespace
+} // namespace
 
-class TestJoinMainWindow : public QObject {
+class TestJoinMainWindow : public QObject
+{
     Q_OBJECT
     QTemporaryDir m_dir;
     AtlasHome m_home;

@@ -26,7 +26,8 @@
 using namespace mervola;
 using namespace mervola::test;
 
-namespace {
+namespace
+{
 
 struct Host : AttributeTableHost {
     void showOnMap(const QString &, const QString &, const QString &, const QStringList &) override {}
@@ -38,12 +39,8 @@ struct NoMap : MapSelectionHost {
 };
 
 const char *const kRefused[] = {
-    "[_02010] > 100000; DROP TABLE comuni",
-    "[_02010] > 100000 --",
-    "[_02010] > 100000 /* ordine */",
-    "[_02010] > 100000) or (1=1",
-    "x); DROP TABLE comuni; --",
-    "[Label] = 'Roma",
+    "[_02010] > 100000; DROP TABLE comuni", "[_02010] > 100000 --",      "[_02010] > 100000 /* ordine */",
+    "[_02010] > 100000) or (1=1",           "x); DROP TABLE comuni; --", "[Label] = 'Roma",
 };
 
 // Types a condition in the open table query and runs it; the window is
@@ -64,9 +61,10 @@ void runTableQuery(FrmDbf &w, const QString &condition)
     QVERIFY(ran);
 }
 
-}  // namespace
+} // namespace
 
-class TestQueryConditions : public QObject {
+class TestQueryConditions : public QObject
+{
     Q_OBJECT
     QTemporaryDir m_dir;
     AtlasHome m_home;
@@ -91,8 +89,11 @@ private slots:
         QFETCH(QString, condition);
         const QByteArray table = readFile(comuniDbf());
         Host host;
-        DbfWindowSource source{QStringLiteral("Comuni"), QStringLiteral("comuni"),
-                               m_home.italia() + QStringLiteral("/comuni.shp"), false, m_home,
+        DbfWindowSource source{QStringLiteral("Comuni"),
+                               QStringLiteral("comuni"),
+                               m_home.italia() + QStringLiteral("/comuni.shp"),
+                               false,
+                               m_home,
                                readStructureTable(ReferenceDb(m_home)).valueOr({})};
         FrmDbf w(host, source);
         w.show();
@@ -107,7 +108,7 @@ private slots:
         QCOMPARE(rec.entries().size(), 1);
         QCOMPARE(rec.entries().first().text, QStringLiteral("Errore di sintassi nella query."));
         QCOMPARE(rec.entries().first().style, int(MsgStyle::Critical));
-        QCOMPARE(w.findChild<QLabel *>(QStringLiteral("InfoSel"))->text(), status);  // earlier filter kept
+        QCOMPARE(w.findChild<QLabel *>(QStringLiteral("InfoSel"))->text(), status); // earlier filter kept
         QCOMPARE(readFile(comuniDbf()), table);
 
         // Sorting the accepted query, largest population first.
@@ -126,14 +127,19 @@ private slots:
     void separatorsInsideTextAreValues()
     {
         Host host;
-        DbfWindowSource source{QStringLiteral("Comuni"), QStringLiteral("comuni"),
-                               m_home.italia() + QStringLiteral("/comuni.shp"), false, m_home, {}};
+        DbfWindowSource source{QStringLiteral("Comuni"),
+                               QStringLiteral("comuni"),
+                               m_home.italia() + QStringLiteral("/comuni.shp"),
+                               false,
+                               m_home,
+                               {}};
         FrmDbf w(host, source);
         w.show();
         MessageRecorder rec;
         runTableQuery(w, QStringLiteral("[Label] = 'a;b -- c' or [Label] = 'Roma'"));
         QVERIFY(rec.entries().isEmpty());
-        QVERIFY(w.findChild<QLabel *>(QStringLiteral("InfoSel"))->text().startsWith(QStringLiteral("1 record di 7899")));
+        QVERIFY(
+            w.findChild<QLabel *>(QStringLiteral("InfoSel"))->text().startsWith(QStringLiteral("1 record di 7899")));
     }
 
     void mapQueryRefusesTextAfterTheCondition_data() { tableQueryRefusesTextAfterTheCondition_data(); }
@@ -142,8 +148,9 @@ private slots:
         QFETCH(QString, condition);
         const QByteArray table = readFile(comuniDbf());
         NoMap map;
-        FrmQuery w({{QStringLiteral("comuni"), QStringLiteral("Comuni"), m_home.italia() + QStringLiteral("/comuni.shp")}},
-                   map);
+        FrmQuery w(
+            {{QStringLiteral("comuni"), QStringLiteral("Comuni"), m_home.italia() + QStringLiteral("/comuni.shp")}},
+            map);
         w.show();
         QVERIFY(QTest::qWaitForWindowExposed(&w));
         w.chooseTheme(QStringLiteral("comuni"));

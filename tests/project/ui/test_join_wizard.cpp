@@ -27,12 +27,13 @@
 using namespace mervola;
 using namespace mervola::test;
 
-namespace {
+namespace
+{
 
 struct Atlas {
     QTemporaryDir dir;
     AtlasHome home;
-    QString ext;  // the user's folder of source files
+    QString ext; // the user's folder of source files
     Atlas()
     {
         QVERIFY(copyRealAtlas(dir.filePath(QStringLiteral("home"))));
@@ -57,7 +58,8 @@ struct Atlas {
 };
 
 // The wizard on screen, driven as a user would.
-class Driver {
+class Driver
+{
 public:
     explicit Driver(const JoinTarget &target) : w(target)
     {
@@ -101,7 +103,7 @@ public:
             editor = line;
         }
         QVERIFY(editor);
-        QTest::keyClick(editor, Qt::Key_Return);  // the view commits and closes the editor on its next turn
+        QTest::keyClick(editor, Qt::Key_Return); // the view commits and closes the editor on its next turn
         QApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
@@ -141,9 +143,10 @@ QHash<QString, QVariant> joinedColumn(const QString &dbf, const QString &field)
     return out;
 }
 
-}  // namespace
+} // namespace
 
-class TestJoinWizard : public QObject {
+class TestJoinWizard : public QObject
+{
     Q_OBJECT
 
 private slots:
@@ -261,9 +264,18 @@ private slots:
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("column");
         QTest::addColumn<QString>("firstValue");
-        QTest::newRow("latin1") << "latin1.dbf" << "Name" << "Name" << "Ñandú";
-        QTest::newRow("people") << "people.dbf" << "NAME" << "NAME" << "Alice";
-        QTest::newRow("blockgroups") << "blockgroups.dbf" << "BKG_KEY" << "BKG_KEY" << "060750179029";
+        QTest::newRow("latin1") << "latin1.dbf"
+                                << "Name"
+                                << "Name"
+                                << "Ñandú";
+        QTest::newRow("people") << "people.dbf"
+                                << "NAME"
+                                << "NAME"
+                                << "Alice";
+        QTest::newRow("blockgroups") << "blockgroups.dbf"
+                                     << "BKG_KEY"
+                                     << "BKG_KEY"
+                                     << "060750179029";
     }
     void dbaseFixtures()
     {
@@ -314,9 +326,15 @@ private slots:
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("table");
         QTest::addColumn<QString>("key");
-        QTest::newRow("Jet 3") << "testV1997.mdb" << "Table3" << "b";
-        QTest::newRow("Jet 4") << "indexTestV2000.mdb" << "Table2" << "data";
-        QTest::newRow("Jet 4 Unicode") << "testUnicodeCompV2003.mdb" << "Table" << "Unicode";
+        QTest::newRow("Jet 3") << "testV1997.mdb"
+                               << "Table3"
+                               << "b";
+        QTest::newRow("Jet 4") << "indexTestV2000.mdb"
+                               << "Table2"
+                               << "data";
+        QTest::newRow("Jet 4 Unicode") << "testUnicodeCompV2003.mdb"
+                                       << "Table"
+                                       << "Unicode";
     }
     void accessFixtures()
     {
@@ -385,8 +403,10 @@ private slots:
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("radio");
-        QTest::newRow("Copia.dbf") << "Copia.dbf" << "rb_Dbase_3";
-        QTest::newRow("Copia.txt") << "Copia.txt" << "rb_Text";
+        QTest::newRow("Copia.dbf") << "Copia.dbf"
+                                   << "rb_Dbase_3";
+        QTest::newRow("Copia.txt") << "Copia.txt"
+                                   << "rb_Text";
     }
     void sourceNamedCopia()
     {
@@ -449,8 +469,10 @@ private slots:
         const QString coded = QStringLiteral("  Imposibile eseguire collegamento.");
         const QString linkFailed = QStringLiteral("Si è verificato un errore nel collegamento tra le tabelle. Il "
                                                   "programma ripristinerà il Database di partenza.");
-        QTest::newRow("copia") << int(JoinStep::CopySource) << QStringLiteral("Collegamento con tabella esterna fallito.");
-        QTest::newRow("lettura") << int(JoinStep::ReadSource) << QStringLiteral("Collegamento con tabella esterna fallito.");
+        QTest::newRow("copia") << int(JoinStep::CopySource)
+                               << QStringLiteral("Collegamento con tabella esterna fallito.");
+        QTest::newRow("lettura") << int(JoinStep::ReadSource)
+                                 << QStringLiteral("Collegamento con tabella esterna fallito.");
         QTest::newRow("joinmdb") << int(JoinStep::WriteJoinMdb) << linkFailed;
         QTest::newRow("temp") << int(JoinStep::WriteTemp) << linkFailed;
         QTest::newRow("backup") << int(JoinStep::Backup) << QStringLiteral("3051") + coded;
@@ -496,7 +518,8 @@ private slots:
         Atlas a;
         const QList<Municipality> all = municipalities(a.home.root());
         QVERIFY(writeNamesFile(a.ext + QStringLiteral("/nomi.txt"), all));
-        QVERIFY(writeFile(a.ext + QStringLiteral("/aree.csv"), mervola::test::spreadsheetCsv(all, QLatin1Char(';'), false)));
+        QVERIFY(writeFile(a.ext + QStringLiteral("/aree.csv"),
+                          mervola::test::spreadsheetCsv(all, QLatin1Char(';'), false)));
         {
             MessageRecorder rec;
             Driver first(a.target());
