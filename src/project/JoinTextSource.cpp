@@ -11,6 +11,7 @@
 
 #include <algorithm>
 
+#include <charconv>
 #include <cmath>
 
 namespace mervola
@@ -69,49 +70,76 @@ QChar separatorOf(const QString &text)
     return seps[best];
 }
 
+// One cell from `i` on: an unquoted cell is taken in one piece; a quoted
+// one may hold separators, doubled quotes and line breaks. `i` ends on the
+// separator or line end that closes the cell (or past the text).
+Cell readCell(const QString &text, qsizetype &i, QChar sep)
+{
+    const qsizetype n = text.size();
+    Cell cell;
+    qsizetype start = i;
+    while (start < n && text[start] != sep && text[start] != QLatin1Char('\n') && text[start].isSpace())
+        ++start;
+    if (start < n && text[start] == QLatin1Char('"')) {
+        cell.quoted = true;
+        qsizetype j = start + 1;
+        while (j < n) {
+            const qsizetype quote = text.indexOf(QLatin1Char('"'), j);
+            if (quote < 0) {
+                cell.text += QStringView(text).mid(j);
+                j = n;
+                break;
+            }
+            cell.text += QStringView(text).mid(j, quote - j);
+            if (quote + 1 < n && text[quote + 1] == QLatin1Char('"')) {
+                cell.text += QLatin1Char('"');
+                j = quote + 2;
+            } else {
+                j = quote + 1;
+                break;
+            }
+        }
+        while (j < n && text[j] != sep && text[j] != QLatin1Char('\n'))
+            ++j;  // anything after the closing quote is dropped
+        i = j;
+        cell.text = cell.text.trimmed();
+        return cell;
+    }
+    qsizetype j = start;
+    while (j < n && text[j] != sep && text[j] != QLatin1Char('\n'))
+        ++j;
+    i = j;
+    cell.text = QStringView(text).mid(start, j - start).trimmed().toString();
+    return cell;
+}
+
 std::vector<Record> parseRecords(const QString &text, QChar sep)
 {
     std::vector<Record> records;
-    Record record;
-    Cell cell;
-    bool inQuotes = false;
-    bool any = false; // the current record has content
-    const auto endCell = [&] {
-        if (!cell.text.isEmpty() && (cell.text.front().isSpace() || cell.text.back().isSpace()))
-            cell.text = cell.text.trimmed();
-        record << std::move(cell);
-        cell = Cell();
-    };
-    const auto endRecord = [&] {
-        endCell();
-        if (any)
+    const qsizetype n = text.size();
+    qsizetype i = 0;
+    qsizetype width = 8;
+    while (i < n) {
+        Record record;
+        record.reserve(width);
+        bool any = false;
+        for (;;) {
+            Cell cell = readCell(text, i, sep);
+            any = any || cell.quoted || !cell.text.isEmpty();
+            record << std::move(cell);
+            if (i < n && text[i] == sep) {
+                any = true;
+                ++i;
+                continue;
+            }
+            ++i;  // past the line end
+            break;
+        }
+        if (any) {
+            width = record.size();
             records.push_back(std::move(record));
-        record = Record();
-        record.reserve(records.empty() ? 8 : records.front().size());
-        any = false;
-    };
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text[i];
-        if (inQuotes) {
-            if (c != QLatin1Char('"'))
-                cell.text += c;
-            else if (i + 1 < text.size() && text[i + 1] == QLatin1Char('"'))
-                cell.text += text[++i];
-            else
-                inQuotes = false;
-        } else if (c == QLatin1Char('"')) {
-            inQuotes = cell.quoted = any = true;
-        } else if (c == sep) {
-            any = true;
-            endCell();
-        } else if (c == QLatin1Char('\n')) {
-            endRecord();
-        } else if (c != QLatin1Char('\r')) {
-            cell.text += c;
-            any = any || !c.isSpace();
         }
     }
-    endRecord();
     return records;
 }
 
@@ -128,48 +156,65 @@ int digitRun(const QString &v, int i)
 bool readNumber(const QString &v, double *out, int *decimals)
 {
     const int n = int(v.size());
-    int i = n > 0 && (v[0] == QLatin1Char('+') || v[0] == QLatin1Char('-')) ? 1 : 0;
+    if (n == 0 || n > 60)
+        return false;
+    char buf[64];
+    int len = 0;
+    int i = 0;
+    if (v[0] == QLatin1Char('+') || v[0] == QLatin1Char('-'))
+        buf[len++] = char(v[i++].unicode());
     const int intDigits = digitRun(v, i);
     if (intDigits == 0 || (intDigits > 1 && v[i] == QLatin1Char('0')))
         return false;
-    QString number = v.left(i + intDigits);
+    const auto copyDigits = [&](int from, int count) {
+        for (int k = 0; k < count; ++k)
+            buf[len++] = char(v[from + k].unicode());
+    };
+    copyDigits(i, intDigits);
     i += intDigits;
     int dec = 0;
     // Italian thousands points before a decimal comma: 1.234.567,89
-    if (intDigits <= 3 && i < n && v[i] == QLatin1Char('.') && digitRun(v, i + 1) == 3 &&
-        (i + 4 == n || v[i + 4] == QLatin1Char('.') || v[i + 4] == QLatin1Char(','))) {
+    if (intDigits <= 3 && i < n && v[i] == QLatin1Char('.') && digitRun(v, i + 1) == 3) {
         int j = i;
-        QString grouped = number;
+        const int mark = len;
         while (j < n && v[j] == QLatin1Char('.') && digitRun(v, j + 1) == 3) {
-            grouped += v.mid(j + 1, 3);
+            copyDigits(j + 1, 3);
             j += 4;
         }
-        if (j < n && v[j] == QLatin1Char(',') && digitRun(v, j + 1) > 0 && j + 1 + digitRun(v, j + 1) == n) {
-            dec = digitRun(v, j + 1);
-            number = grouped + QLatin1Char('.') + v.mid(j + 1);
+        const int fraction = j < n && v[j] == QLatin1Char(',') ? digitRun(v, j + 1) : 0;
+        if (fraction > 0 && j + 1 + fraction == n) {
+            buf[len++] = '.';
+            copyDigits(j + 1, fraction);
+            dec = fraction;
             i = n;
+        } else {
+            len = mark;  // not grouped: "1.234" is one point two three four
         }
     }
     if (i < n && (v[i] == QLatin1Char('.') || v[i] == QLatin1Char(','))) {
         dec = digitRun(v, i + 1);
-        number += QLatin1Char('.') + v.mid(i + 1, dec);
+        buf[len++] = '.';
+        copyDigits(i + 1, dec);
         i += 1 + dec;
     }
     if (i < n && (v[i] == QLatin1Char('e') || v[i] == QLatin1Char('E'))) {
+        buf[len++] = 'e';
         int j = i + 1;
         if (j < n && (v[j] == QLatin1Char('+') || v[j] == QLatin1Char('-')))
-            ++j;
-        if (digitRun(v, j) == 0)
+            buf[len++] = char(v[j++].unicode());
+        const int exponent = digitRun(v, j);
+        if (exponent == 0)
             return false;
-        number += v.mid(i);
-        i = n;
+        copyDigits(j, exponent);
+        i = j + exponent;
         dec = 15;
     }
     if (i != n)
         return false;
-    bool ok = false;
-    const double d = number.toDouble(&ok);
-    if (!ok || !std::isfinite(d))
+    double d = 0;
+    const char *first = buf[0] == '+' ? buf + 1 : buf;
+    const auto r = std::from_chars(first, buf + len, d);
+    if (r.ec != std::errc() || r.ptr != buf + len || !std::isfinite(d))
         return false;
     *out = d;
     *decimals = std::min(dec, 15);
