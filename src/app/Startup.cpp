@@ -27,6 +27,7 @@ Status Startup::restorePristineState() const
     // Both steps go on past a file they cannot restore; the user is told
     // about all of them at once.
     const Status tables = restoreAllThemeTables(m_home);
+    removeStraySettings(m_home);
     const Status settings = copyPristineSettings(m_home);
     if (tables && settings)
         return {};

@@ -185,6 +185,21 @@ Status copyPristineSettings(const AtlasHome &home)
     return failures.result();
 }
 
+void removeStraySettings(const AtlasHome &home)
+{
+    QSet<QString> pristine;
+    for (const QString &f : filesIn(home.originali(), {QStringLiteral("*.ini"), QStringLiteral("*.INI")}))
+        pristine.insert(f.toLower());
+    for (const QString &f : filesIn(home.supporto())) {
+        const QString lower = f.toLower();
+        const bool stray = (lower.endsWith(QLatin1String(".ini")) && !pristine.contains(lower)
+                            && lower != QLatin1String("stili.ini"))
+                           || lower.endsWith(QLatin1String(".new"));
+        if (stray)
+            QFile::remove(home.supporto() + QLatin1Char('/') + f);
+    }
+}
+
 Status restoreCommunityTable(const AtlasHome &home, const QString &stored, const QString &target)
 {
     const QString storedTable = stored + QStringLiteral(".dbf");

@@ -50,6 +50,11 @@ Status restoreAllThemeTables(const AtlasHome &home);
 // file that cannot be copied and reports them all.
 Status copyPristineSettings(const AtlasHome &home);
 
+// Removes from supporto/ the settings files of themes that earlier projects
+// brought (no pristine copy in originali/; stili.ini stays) and temporary
+// ".new" files left by an interrupted write.
+void removeStraySettings(const AtlasHome &home);
+
 // Restores the mountain-community table `target` from the stored table
 // `stored`: the pristine copy in originali/ when there is one, else the table
 // in italia/. Fails when neither exists.

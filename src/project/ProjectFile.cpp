@@ -7,6 +7,7 @@
 #include "project/PristineSettings.h"
 #include "platform/dbf/TableCheck.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStringDecoder>
@@ -240,6 +241,8 @@ Status ProjectFiles::open(const QString &path)
         return st;
     // What this opening wrote goes, whether it failed or was cancelled.
     removeWrittenFiles();
+    // The progress reaches its end (its window closes) before the message.
+    (void)reportProgress(1.0);
     if (st.error().code != kProjectCancelled)
         showDetailedMessage(MsgStyle::Critical, ProjectText::kOpenFailed, st.errorMessage());
     // The initial project: pristine settings and the default project's themes.
@@ -282,15 +285,24 @@ Status ProjectFiles::openSteps(const QString &path)
 
     QStringList names;
     const double sections = std::max<qsizetype>(1, content->themes.size());
+    // The folder is listed once: names are matched without case.
+    QHash<QString, QString> present;
+    for (const QString &f : QDir(m_home.supporto()).entryList(QDir::Files))
+        present.insert(f.toLower(), m_home.supporto() + QLatin1Char('/') + f);
     for (const ProjectContent::Section &s : content->themes) {
         if (!reportProgress(0.2 + 0.2 * names.size() / sections))
             return Status::fail(QString(), kProjectCancelled);
-        const QString ini = resolveCaseInsensitive(m_home.supporto(), s.name + QStringLiteral(".ini"));
-        const bool existed = QFileInfo::exists(ini);
+        const QString file = s.name + QStringLiteral(".ini");
+        QString ini = present.value(file.toLower());
+        const bool existed = !ini.isEmpty();
+        if (!existed)
+            ini = m_home.supporto() + QLatin1Char('/') + file;
         if (auto st = writeLinesReplacing(ini, s.lines); !st)
             return st;
-        if (!existed)
+        if (!existed) {
             m_created << ini;
+            present.insert(file.toLower(), ini);
+        }
         names << s.name;
     }
 
@@ -389,6 +401,8 @@ Status ProjectFiles::restorePristine() const
 {
     if (auto st = restoreAllThemeTables(m_home); !st)
         return st;
+    // The settings files of the previous project's own themes go.
+    removeStraySettings(m_home);
     return copyPristineSettings(m_home);
 }
 

@@ -26,7 +26,8 @@ bool MainWindow::openProject(const QString &path)
     progress.setWindowTitle(kAppTitle);
     progress.setWindowModality(Qt::WindowModal);
     progress.setMinimumDuration(kProgressDelayMs);
-    progress.setAutoReset(false);
+    // At its end the window closes by itself.
+    progress.setAutoClose(true);
     progress.setValue(0);
     m_projects->hooks().progress = [&progress](double fraction) {
         progress.setValue(int(fraction * 1000));

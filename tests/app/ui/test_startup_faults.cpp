@@ -144,7 +144,7 @@ private slots:
         QCOMPARE(rec.entries().size(), 1);
         QCOMPARE(rec.entries()[0].text,
                  QStringLiteral("La copia originale %1 è danneggiata e non è stata usata. Il file comuni.dbf è "
-                                "danneggiato: contiene 3.155 record completi su 7.899.")
+                                "danneggiato: contiene 3.158 record completi su 7.899.")
                      .arg(pristine));
         QCOMPARE(test::readFile(working), whole);
         QCOMPARE(start.mainWindow()->mapWidget()->model().find(QStringLiteral("comuni"))->data->featureCount(), 7899);
