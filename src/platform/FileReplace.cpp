@@ -7,11 +7,16 @@
 #include <cstdio>
 #include <cstring>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
-QString native(const QString &path) { return QDir::toNativeSeparators(path); }
+QString native(const QString &path)
+{
+    return QDir::toNativeSeparators(path);
+}
 
 Error writeError(const QString &path, int error)
 {
@@ -19,19 +24,25 @@ Error writeError(const QString &path, int error)
                  error};
 }
 
-}  // namespace
+} // namespace
 
 QString systemErrorReason(int error)
 {
     switch (error) {
     case ENOSPC:
-    case EDQUOT: return QStringLiteral("il disco è pieno");
-    case EROFS: return QStringLiteral("il disco è in sola lettura");
+    case EDQUOT:
+        return QStringLiteral("il disco è pieno");
+    case EROFS:
+        return QStringLiteral("il disco è in sola lettura");
     case EACCES:
-    case EPERM: return QStringLiteral("permesso negato");
-    case EISDIR: return QStringLiteral("al suo posto c'è una cartella");
-    case ENOENT: return QStringLiteral("la cartella non esiste");
-    default: return QStringLiteral("errore di sistema %1 (%2)").arg(error).arg(QString::fromLocal8Bit(std::strerror(error)));
+    case EPERM:
+        return QStringLiteral("permesso negato");
+    case EISDIR:
+        return QStringLiteral("al suo posto c'è una cartella");
+    case ENOENT:
+        return QStringLiteral("la cartella non esiste");
+    default:
+        return QStringLiteral("errore di sistema %1 (%2)").arg(error).arg(QString::fromLocal8Bit(std::strerror(error)));
     }
 }
 
@@ -113,4 +124,4 @@ Status copyFileReplacing(const QString &source, const QString &target)
     });
 }
 
-}  // namespace mervola
+} // namespace mervola

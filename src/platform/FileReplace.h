@@ -13,7 +13,8 @@
 #include <QString>
 #include <functional>
 
-namespace mervola {
+namespace mervola
+{
 
 // "<folder>/<name without its last extension>.new": the temporary name of
 // settings and project files (comu_01.ini -> comu_01.new).
@@ -39,4 +40,4 @@ Status renameOver(const QString &from, const QString &to);
 // A short Italian reason for a system error number ("il disco è pieno", ...).
 QString systemErrorReason(int error);
 
-}  // namespace mervola
+} // namespace mervola

@@ -13,12 +13,14 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 // Free room the home must have at start (bytes).
 constexpr int kRoomNeeded = 256 * 1024;
-}  // namespace
+} // namespace
 
 InstanceLock::InstanceLock(QString homeFolder)
     : m_home(std::move(homeFolder)), m_path(m_home + QStringLiteral("/.mervola.lock"))
@@ -46,8 +48,8 @@ InstanceLock::State InstanceLock::acquire()
     // A folder where the lock file belongs: an empty one is removed, one with
     // content is renamed aside, never deleted.
     if (QFileInfo(m_path).isDir() && !QDir().rmdir(m_path)) {
-        const QString aside = m_path + QStringLiteral(".cartella-")
-                              + QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+        const QString aside = m_path + QStringLiteral(".cartella-") +
+                              QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
         if (!QDir().rename(m_path, aside))
             return cannotWrite(EISDIR);
     }
@@ -64,11 +66,10 @@ InstanceLock::State InstanceLock::acquire()
         return cannotWrite(error);
     }
     // Ours now: say who holds it (read by people, not by the program).
-    const QByteArray who = QByteArray::number(QCoreApplication::applicationPid()) + '\n'
-                           + QCoreApplication::applicationName().toUtf8() + '\n'
-                           + QSysInfo::machineHostName().toUtf8() + '\n';
-    if (::ftruncate(fd, 0) != 0 || ::write(fd, who.constData(), size_t(who.size())) != who.size()
-        || ::fsync(fd) != 0) {
+    const QByteArray who = QByteArray::number(QCoreApplication::applicationPid()) + '\n' +
+                           QCoreApplication::applicationName().toUtf8() + '\n' + QSysInfo::machineHostName().toUtf8() +
+                           '\n';
+    if (::ftruncate(fd, 0) != 0 || ::write(fd, who.constData(), size_t(who.size())) != who.size() || ::fsync(fd) != 0) {
         const int error = errno ? errno : ENOSPC;
         ::close(fd);
         ::unlink(native.constData());
@@ -90,4 +91,4 @@ InstanceLock::State InstanceLock::acquire()
     return State::Held;
 }
 
-}  // namespace mervola
+} // namespace mervola

@@ -10,9 +10,11 @@
 
 #include <QString>
 
-namespace mervola {
+namespace mervola
+{
 
-class InstanceLock {
+class InstanceLock
+{
 public:
     enum class State { Held, InUse, CannotWrite };
 
@@ -33,12 +35,13 @@ private:
     int m_fd = -1;
 };
 
-namespace LockText {
+namespace LockText
+{
 // "%1" the folder, "%2" the reason (systemErrorReason()).
-inline const QString kCannotWrite = QStringLiteral(
-    "Impossibile scrivere nella cartella dell'atlante %1: %2.\n"
-    "Mervola deve poter scrivere in questa cartella (impostazioni dei temi e tabelle di lavoro). "
-    "Liberare spazio sul disco o avviare il programma con --home su una cartella scrivibile.");
-}  // namespace LockText
+inline const QString kCannotWrite =
+    QStringLiteral("Impossibile scrivere nella cartella dell'atlante %1: %2.\n"
+                   "Mervola deve poter scrivere in questa cartella (impostazioni dei temi e tabelle di lavoro). "
+                   "Liberare spazio sul disco o avviare il programma con --home su una cartella scrivibile.");
+} // namespace LockText
 
-}  // namespace mervola
+} // namespace mervola

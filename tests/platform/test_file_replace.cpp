@@ -13,9 +13,13 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
-QStringList filesIn(const QString &dir) { return QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::Dirs | QDir::NoDotAndDotDot); }
+QStringList filesIn(const QString &dir)
+{
+    return QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::Dirs | QDir::NoDotAndDotDot);
+}
 
 // A copy of `source` cut to `size` bytes.
 bool cutCopy(const QString &source, const QString &dest, qint64 size)
@@ -24,9 +28,10 @@ bool cutCopy(const QString &source, const QString &dest, qint64 size)
     return !bytes.isEmpty() && test::writeFile(dest, bytes.left(size));
 }
 
-}  // namespace
+} // namespace
 
-class TestFileReplace : public QObject {
+class TestFileReplace : public QObject
+{
     Q_OBJECT
 
 private slots:
@@ -50,8 +55,7 @@ private slots:
 
         const Status lines = writeLinesReplacing(ini, {QStringLiteral("[COMUNI]"), QStringLiteral("LABEL=Label")});
         QVERIFY(!lines);
-        QCOMPARE(lines.errorMessage(),
-                 QStringLiteral("Impossibile scrivere il file %1: il disco è pieno.").arg(ini));
+        QCOMPARE(lines.errorMessage(), QStringLiteral("Impossibile scrivere il file %1: il disco è pieno.").arg(ini));
         const Status copy = copyFileReplacing(source, table);
         QVERIFY(!copy);
         QVERIFY(copy.errorMessage().endsWith(QStringLiteral(": il disco è pieno.")));
@@ -77,8 +81,8 @@ private slots:
         QVERIFY(QDir().mkpath(target));
         const Status st = writeFileReplacing(target, "x", newFilePath(target));
         QVERIFY(!st);
-        QCOMPARE(st.errorMessage(), QStringLiteral("Impossibile sostituire il file %1: al suo posto c'è una cartella.")
-                                        .arg(target));
+        QCOMPARE(st.errorMessage(),
+                 QStringLiteral("Impossibile sostituire il file %1: al suo posto c'è una cartella.").arg(target));
         QVERIFY(QFileInfo(target).isDir());
         QVERIFY(!QFileInfo::exists(dir.filePath(QStringLiteral("regioni.new"))));
     }
@@ -101,7 +105,8 @@ private slots:
         // Cut in the middle of record 3,001.
         QVERIFY(cutCopy(dbf, dbf, headerLength + qint64(recordLength) * 3000 + recordLength / 2));
         Status st = checkShapefile(italia + QStringLiteral("comuni.shp"));
-        QCOMPARE(st.errorMessage(), QStringLiteral("Il file comuni.dbf è danneggiato: contiene 3.000 record completi su 7.899."));
+        QCOMPARE(st.errorMessage(),
+                 QStringLiteral("Il file comuni.dbf è danneggiato: contiene 3.000 record completi su 7.899."));
         QCOMPARE(st.error().code, kDamagedFile);
         auto read = readDbf(dbf);
         QVERIFY(!read);
@@ -126,7 +131,8 @@ private slots:
                  QStringLiteral("Manca il file comuni.shx."));
         const QString shp = italia + QStringLiteral("regioni.shp");
         QVERIFY(cutCopy(shp, shp, QFileInfo(shp).size() - 100));
-        QCOMPARE(checkShapefile(shp).errorMessage(), QStringLiteral("Il file regioni.shp è danneggiato: il file è troncato."));
+        QCOMPARE(checkShapefile(shp).errorMessage(),
+                 QStringLiteral("Il file regioni.shp è danneggiato: il file è troncato."));
     }
 };
 

@@ -7,9 +7,13 @@
 #include <cerrno>
 #include <sys/mount.h>
 
-namespace mervola::test {
+namespace mervola::test
+{
 
-ScopedMount::~ScopedMount() { release(); }
+ScopedMount::~ScopedMount()
+{
+    release();
+}
 
 bool ScopedMount::available()
 {
@@ -74,4 +78,4 @@ qint64 folderSize(const QString &folder)
     return total;
 }
 
-}  // namespace mervola::test
+} // namespace mervola::test

@@ -5,9 +5,11 @@
 
 #include <QString>
 
-namespace mervola::test {
+namespace mervola::test
+{
 
-class ScopedMount {
+class ScopedMount
+{
 public:
     ScopedMount() = default;
     ~ScopedMount();
@@ -32,4 +34,4 @@ bool fillDisk(const QString &folder);
 // Bytes used by the files under `folder`.
 qint64 folderSize(const QString &folder);
 
-}  // namespace mervola::test
+} // namespace mervola::test

@@ -8,7 +8,8 @@
 
 #include <QApplication>
 
-namespace mervola {
+namespace mervola
+{
 
 AppStart::AppStart(AtlasHome home, AppState &state) : m_home(std::move(home)), m_state(state) {}
 
@@ -63,4 +64,4 @@ void AppStart::showMainWhenReady()
     emit mainWindowShown();
 }
 
-}  // namespace mervola
+} // namespace mervola

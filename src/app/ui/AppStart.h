@@ -12,13 +12,15 @@
 #include <memory>
 #include <optional>
 
-namespace mervola {
+namespace mervola
+{
 
 class InstanceLock;
 class MainWindow;
 class SplashWindow;
 
-class AppStart : public QObject {
+class AppStart : public QObject
+{
     Q_OBJECT
 public:
     // How long the splash stays at least (ms).
@@ -51,4 +53,4 @@ private:
     bool m_shown = false;
 };
 
-}  // namespace mervola
+} // namespace mervola

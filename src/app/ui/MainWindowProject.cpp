@@ -11,12 +11,14 @@
 #include <QComboBox>
 #include <QProgressDialog>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 // The progress window appears only for an opening that lasts longer than this (ms).
 constexpr int kProgressDelayMs = 500;
-}  // namespace
+} // namespace
 
 bool MainWindow::openProject(const QString &path)
 {
@@ -62,4 +64,4 @@ void MainWindow::afterProjectLoaded(const QStringList &notices)
         showMessage(MsgStyle::Exclamation, notice);
 }
 
-}  // namespace mervola
+} // namespace mervola

@@ -6,27 +6,35 @@
 #include <QFileInfo>
 #include <QLocale>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 Error damaged(const QString &path, const QString &why)
 {
     return Error{QStringLiteral("Il file %1 è danneggiato: %2.").arg(QFileInfo(path).fileName(), why), kDamagedFile};
 }
 
-QString count(qint64 n) { return QLocale(QLocale::Italian).toString(n); }
+QString count(qint64 n)
+{
+    return QLocale(QLocale::Italian).toString(n);
+}
 
 quint32 le32(const QByteArray &b, int at)
 {
-    return quint32(quint8(b[at])) | quint32(quint8(b[at + 1])) << 8 | quint32(quint8(b[at + 2])) << 16
-           | quint32(quint8(b[at + 3])) << 24;
+    return quint32(quint8(b[at])) | quint32(quint8(b[at + 1])) << 8 | quint32(quint8(b[at + 2])) << 16 |
+           quint32(quint8(b[at + 3])) << 24;
 }
-quint16 le16(const QByteArray &b, int at) { return quint16(quint8(b[at]) | quint8(b[at + 1]) << 8); }
+quint16 le16(const QByteArray &b, int at)
+{
+    return quint16(quint8(b[at]) | quint8(b[at + 1]) << 8);
+}
 quint32 be32(const QByteArray &b, int at)
 {
-    return quint32(quint8(b[at])) << 24 | quint32(quint8(b[at + 1])) << 16 | quint32(quint8(b[at + 2])) << 8
-           | quint32(quint8(b[at + 3]));
+    return quint32(quint8(b[at])) << 24 | quint32(quint8(b[at + 1])) << 16 | quint32(quint8(b[at + 2])) << 8 |
+           quint32(quint8(b[at + 3]));
 }
 
 // The number of records a whole table holds, or the damage.
@@ -76,7 +84,7 @@ Status checkShapeHeader(const QString &path, qint64 *size)
     return {};
 }
 
-}  // namespace
+} // namespace
 
 Status checkDbfFile(const QString &dbfPath)
 {
@@ -109,4 +117,4 @@ Status checkShapefile(const QString &shpPath)
     return {};
 }
 
-}  // namespace mervola
+} // namespace mervola

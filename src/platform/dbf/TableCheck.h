@@ -14,7 +14,8 @@
 
 #include <QString>
 
-namespace mervola {
+namespace mervola
+{
 
 // Error code of a damaged table or shapefile (Error::code).
 constexpr int kDamagedFile = 9100;
@@ -23,4 +24,4 @@ Status checkDbfFile(const QString &dbfPath);
 // Checks X.shp, X.shx and (when present) X.dbf of the shapefile X.shp.
 Status checkShapefile(const QString &shpPath);
 
-}  // namespace mervola
+} // namespace mervola

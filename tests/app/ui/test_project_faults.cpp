@@ -23,7 +23,8 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
 // Answers the next file dialog with `path`, as a user typing the name
 // would, and confirms replacing an existing file.
@@ -62,7 +63,10 @@ void chooseRegion(MainWindow &w, const QString &text)
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
 }
 
-QString regionShown(MainWindow &w) { return w.findChild<QComboBox *>(QStringLiteral("cboRegioni"))->currentText(); }
+QString regionShown(MainWindow &w)
+{
+    return w.findChild<QComboBox *>(QStringLiteral("cboRegioni"))->currentText();
+}
 
 QStringList layerNames(MainWindow &w)
 {
@@ -87,9 +91,14 @@ qint64 peakMemoryMb()
 {
     const QByteArray status = test::readFile(QStringLiteral("/proc/self/status"));
     const int at = status.indexOf("VmHWM:");
-    return at < 0 ? -1 : status.mid(at + 6, status.indexOf('\n', at) - at - 6).trimmed().split(' ').value(0).toLongLong() / 1024;
+    return at < 0 ? -1
+                  : status.mid(at + 6, status.indexOf('\n', at) - at - 6).trimmed().split(' ').value(0).toLongLong() /
+                        1024;
 }
-void resetPeakMemory() { test::writeFile(QStringLiteral("/proc/self/clear_refs"), "5"); }
+void resetPeakMemory()
+{
+    test::writeFile(QStringLiteral("/proc/self/clear_refs"), "5");
+}
 
 // A project of `count` themes drawn from the provincial capitals.
 QByteArray manyThemes(const QString &home, int count)
@@ -114,9 +123,10 @@ bool showLoaded(MainWindow &w)
     return QTest::qWaitForWindowExposed(&w);
 }
 
-}  // namespace
+} // namespace
 
-class TestProjectFaults : public QObject {
+class TestProjectFaults : public QObject
+{
     Q_OBJECT
     QTemporaryDir m_dir;
     QString m_home;
@@ -171,12 +181,14 @@ private slots:
         w.dispatch(QStringLiteral("apri"));
         QCOMPARE(rec.entries().size(), 1);
         QCOMPARE(rec.entries()[0].style, MsgStyle::Critical);
-        QCOMPARE(rec.entries()[0].text, QStringLiteral("Il progetto non può essere aperto.\nSarà ripristinato il progetto iniziale."));
+        QCOMPARE(rec.entries()[0].text,
+                 QStringLiteral("Il progetto non può essere aperto.\nSarà ripristinato il progetto iniziale."));
         QCOMPARE(rec.entries()[0].details, QStringLiteral("Shapefile non trovato: sparito.shp"));
         QCOMPARE(w.windowTitle(), QStringLiteral("Mervola"));
         QCOMPARE(regionShown(w), QStringLiteral("<Tutta l'Italia>"));
-        QCOMPARE(layerNames(w), QStringList({QStringLiteral("citta"), QStringLiteral("province"), QStringLiteral("commont"),
-                                             QStringLiteral("comuni"), QStringLiteral("regioni")}));
+        QCOMPARE(layerNames(w),
+                 QStringList({QStringLiteral("citta"), QStringLiteral("province"), QStringLiteral("commont"),
+                              QStringLiteral("comuni"), QStringLiteral("regioni")}));
         QCOMPARE(appState().communityTable, QStringLiteral("commont"));
     }
 
@@ -209,7 +221,8 @@ private slots:
 
         chooseRegion(w, QStringLiteral("PIEMONTE"));
         QTRY_COMPARE(rec.entries().size(), 1);
-        QVERIFY2(rec.entries()[0].text.endsWith(QStringLiteral(": il disco è pieno.")), qPrintable(rec.entries()[0].text));
+        QVERIFY2(rec.entries()[0].text.endsWith(QStringLiteral(": il disco è pieno.")),
+                 qPrintable(rec.entries()[0].text));
         QCOMPARE(regionShown(w), QStringLiteral("<Tutta l'Italia>"));
         QCOMPARE(layerNames(w), layers);
         QCOMPARE(appState().regionCode, QStringLiteral("00"));
@@ -261,8 +274,9 @@ private slots:
         QVERIFY(rec.entries().isEmpty());
         QCOMPARE(filesUnder(m_home + QStringLiteral("/supporto")), supporto);
         QCOMPARE(w.windowTitle(), QStringLiteral("Mervola"));
-        QCOMPARE(layerNames(w), QStringList({QStringLiteral("citta"), QStringLiteral("province"), QStringLiteral("commont"),
-                                             QStringLiteral("comuni"), QStringLiteral("regioni")}));
+        QCOMPARE(layerNames(w),
+                 QStringList({QStringLiteral("citta"), QStringLiteral("province"), QStringLiteral("commont"),
+                              QStringLiteral("comuni"), QStringLiteral("regioni")}));
     }
 
     // Opened to the end, the same project and one of 50 MB stay within
@@ -298,7 +312,8 @@ private slots:
         QCOMPARE(w.windowTitle(), QStringLiteral("Mervola - cinquanta"));
         // The 10,000 settings files of the first project went with it.
         QVERIFY(QDir(m_home + QStringLiteral("/supporto")).entryList({QStringLiteral("tema_*")}).isEmpty());
-        QVERIFY2(manyMs < 60000 && largeMs < 10000, qPrintable(QStringLiteral("%1 ms, %2 ms").arg(manyMs).arg(largeMs)));
+        QVERIFY2(manyMs < 60000 && largeMs < 10000,
+                 qPrintable(QStringLiteral("%1 ms, %2 ms").arg(manyMs).arg(largeMs)));
         QVERIFY2(manyMb < 300 && largeMb < 100, qPrintable(QStringLiteral("%1 MB, %2 MB").arg(manyMb).arg(largeMb)));
     }
 };

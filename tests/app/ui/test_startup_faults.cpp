@@ -17,11 +17,13 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
 // A user who reads each box for a while. The box's event loop runs
 // meanwhile, as a real modal box's does, so the splash timer fires inside it.
-class SlowReader : public MessagePresenter {
+class SlowReader : public MessagePresenter
+{
 public:
     SlowReader() : m_previous(setMessagePresenter(this)) {}
     ~SlowReader() override { setMessagePresenter(m_previous); }
@@ -55,13 +57,14 @@ bool claimMoreRecords(const QString &dbf, const QDateTime &time)
     QByteArray bytes = test::readFile(dbf);
     bytes[4] = char(quint8(bytes[4]) + 1);
     QFile f(dbf);
-    return test::writeFile(dbf, bytes) && f.open(QIODevice::ReadWrite)
-           && f.setFileTime(time, QFileDevice::FileModificationTime);
+    return test::writeFile(dbf, bytes) && f.open(QIODevice::ReadWrite) &&
+           f.setFileTime(time, QFileDevice::FileModificationTime);
 }
 
-}  // namespace
+} // namespace
 
-class TestStartupFaults : public QObject {
+class TestStartupFaults : public QObject
+{
     Q_OBJECT
     QTemporaryDir m_dir;
     QString m_home;
@@ -71,8 +74,7 @@ class TestStartupFaults : public QObject {
     {
         if (start.begin())
             return false;
-        return QTest::qWaitFor([&] { return start.mainWindow()->isVisible(); }, 15000)
-               && !start.splash()->isVisible();
+        return QTest::qWaitFor([&] { return start.mainWindow()->isVisible(); }, 15000) && !start.splash()->isVisible();
     }
 
 private slots:
@@ -116,8 +118,9 @@ private slots:
                  QStringList({QStringLiteral("commont"), QStringLiteral("comuni"), QStringLiteral("regioni")}));
         const QString supporto = m_home + QStringLiteral("/supporto/");
         QCOMPARE(rec.entries().size(), 2);
-        QCOMPARE(rec.entries()[0].text,
-                 QStringLiteral("Impossibile sostituire il file %1citta.ini: al suo posto c'è una cartella.").arg(supporto));
+        QCOMPARE(
+            rec.entries()[0].text,
+            QStringLiteral("Impossibile sostituire il file %1citta.ini: al suo posto c'è una cartella.").arg(supporto));
         QCOMPARE(rec.entries()[1].text,
                  QStringLiteral("Il tema province non è stato caricato. Il file delle impostazioni %1province.ini non "
                                 "contiene la sezione [province].\n"
@@ -177,8 +180,9 @@ private slots:
         AppStart start{AtlasHome(m_home), appState()};
         QVERIFY(startAndShow(start));
         QCOMPARE(rec.entries().size(), 1);
-        QCOMPARE(rec.entries()[0].text,
-                 QStringLiteral("La tabella comuni.dbf era danneggiata ed è stata ripristinata dalla copia originale."));
+        QCOMPARE(
+            rec.entries()[0].text,
+            QStringLiteral("La tabella comuni.dbf era danneggiata ed è stata ripristinata dalla copia originale."));
         QCOMPARE(test::readFile(working), whole);
         QCOMPARE(start.mainWindow()->mapWidget()->model().find(QStringLiteral("comuni"))->data->featureCount(), 7899);
     }
