@@ -51,7 +51,7 @@ const MapModel &italyModel()
                 std::vector<ClassRange> classes;
                 for (int i = 1; i <= 20; ++i)
                     classes.push_back({double(i - 1), double(i), QString(), 0, 0x02000000});
-                const auto colors = classify::rampColors(65535, 8519693, int(classes.size()));
+                const auto colors = mervola::classify::rampColors(65535, 8519693, int(classes.size()));
                 for (std::size_t i = 0; i < classes.size(); ++i)
                     classes[i].color = colors[i];
                 auto r = ClassBreaksRenderer::fromClasses(numericField(*d), classes);
