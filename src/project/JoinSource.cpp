@@ -184,17 +184,9 @@ Result<SourceTable> readAccessTable(const QString &mdbPath, const QString &table
 
 QStringList dbfFieldNames(const QString &dbfPath)
 {
-    QFile f(dbfPath);
-    if (!f.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray head = f.read(32);
-    if (head.size() < 32)
-        return {};
-    const int headerLength = quint8(head[8]) | (quint8(head[9]) << 8);
-    const QByteArray descriptors = f.read(std::max(0, headerLength - 32));
     QStringList names;
-    for (int off = 0; off + 32 <= descriptors.size() && descriptors[off] != '\r'; off += 32) {
-        QByteArray name = descriptors.mid(off, 11);
+    for (const QByteArray &d : dbfdetail::fieldDescriptors(dbfPath)) {
+        QByteArray name = d.left(11);
         name.truncate(int(qstrnlen(name.constData(), 11)));
         const QString utf8 = QString::fromUtf8(name);
         names << (utf8.toUtf8() == name ? utf8 : QString::fromLatin1(name));

@@ -30,7 +30,7 @@ QString GdalErrorScope::lastMessage() const
     return QString::fromUtf8(CPLGetLastErrorMsg());
 }
 
-QByteArray nativeFieldTypes(const QString &dbfPath)
+QList<QByteArray> fieldDescriptors(const QString &dbfPath)
 {
     QFile f(dbfPath);
     if (!f.open(QIODevice::ReadOnly))
@@ -40,9 +40,17 @@ QByteArray nativeFieldTypes(const QString &dbfPath)
         return {};
     const int headerLength = quint8(head[8]) | (quint8(head[9]) << 8);
     const QByteArray descriptors = f.read(std::max(0, headerLength - 32));
-    QByteArray types;
+    QList<QByteArray> out;
     for (int off = 0; off + 32 <= descriptors.size() && descriptors[off] != '\r'; off += 32)
-        types.append(descriptors[off + 11]);
+        out.append(descriptors.mid(off, 32));
+    return out;
+}
+
+QByteArray nativeFieldTypes(const QString &dbfPath)
+{
+    QByteArray types;
+    for (const QByteArray &d : fieldDescriptors(dbfPath))
+        types.append(d[11]);
     return types;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 // GDAL plumbing shared by the dBase reader and writer (internal).
 
+#include <QList>
 #include <QString>
 
 namespace mervola::dbfdetail
@@ -19,6 +20,10 @@ public:
     GdalErrorScope &operator=(const GdalErrorScope &) = delete;
     QString lastMessage() const; // GDAL's own text, empty when none
 };
+
+// The header's 32-byte field descriptors, in field order. Empty when the
+// header cannot be read.
+QList<QByteArray> fieldDescriptors(const QString &dbfPath);
 
 // The header's declared field types, in field order ('C', 'N', 'F', 'L', 'D', 'M' ...).
 // Empty when the header cannot be read.

@@ -70,6 +70,11 @@ class TestQueryConditions : public QObject
     AtlasHome m_home;
 
     QString comuniDbf() const { return m_home.italia() + QStringLiteral("/comuni.dbf"); }
+    DbfWindowSource comuniSource() const
+    {
+        return {QStringLiteral("Comuni"), QStringLiteral("comuni"), m_home.italia() + QStringLiteral("/comuni.shp"),
+                false, m_home, readStructureTable(ReferenceDb(m_home)).valueOr({})};
+    }
 
 private slots:
     void initTestCase()
@@ -89,13 +94,7 @@ private slots:
         QFETCH(QString, condition);
         const QByteArray table = readFile(comuniDbf());
         Host host;
-        DbfWindowSource source{QStringLiteral("Comuni"),
-                               QStringLiteral("comuni"),
-                               m_home.italia() + QStringLiteral("/comuni.shp"),
-                               false,
-                               m_home,
-                               readStructureTable(ReferenceDb(m_home)).valueOr({})};
-        FrmDbf w(host, source);
+        FrmDbf w(host, comuniSource());
         w.show();
         QVERIFY(QTest::qWaitForWindowExposed(&w));
         MessageRecorder rec;
@@ -127,13 +126,7 @@ private slots:
     void separatorsInsideTextAreValues()
     {
         Host host;
-        DbfWindowSource source{QStringLiteral("Comuni"),
-                               QStringLiteral("comuni"),
-                               m_home.italia() + QStringLiteral("/comuni.shp"),
-                               false,
-                               m_home,
-                               {}};
-        FrmDbf w(host, source);
+        FrmDbf w(host, comuniSource());
         w.show();
         MessageRecorder rec;
         runTableQuery(w, QStringLiteral("[Label] = 'a;b -- c' or [Label] = 'Roma'"));
