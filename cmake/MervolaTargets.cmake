@@ -3,15 +3,16 @@
 
 set(MERVOLA_AREAS "")
 
-# mervola_area(NAME DEPS ...): static library from src/NAME/*.cpp (not ui/).
+# mervola_area(NAME DEPS ...): static library from src/NAME/*.cpp (not ui/,
+# nor gdal/: code that calls GDAL goes to a library of its own).
 function(mervola_area name)
   cmake_parse_arguments(A "" "" "DEPS" ${ARGN})
   file(GLOB srcs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp
                                    ${PROJECT_SOURCE_DIR}/src/${name}/*/*.cpp)
-  list(FILTER srcs EXCLUDE REGEX "/src/${name}/ui/")
+  list(FILTER srcs EXCLUDE REGEX "/src/${name}/(ui|gdal)/")
   file(GLOB hdrs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.h
                                    ${PROJECT_SOURCE_DIR}/src/${name}/*/*.h)
-  list(FILTER hdrs EXCLUDE REGEX "/src/${name}/ui/")
+  list(FILTER hdrs EXCLUDE REGEX "/src/${name}/(ui|gdal)/")
   if(NOT srcs)
     set(srcs ${PROJECT_SOURCE_DIR}/cmake/empty.cpp)
   endif()

@@ -1,7 +1,6 @@
 #include "cli/Commands.h"
 
 #include <QTextStream>
-#include <cstdio>
 
 namespace mervola::cli {
 
@@ -14,20 +13,6 @@ const std::vector<Command> &commands()
         {"classify", "classify --home DIR --theme NOME --field CAMPO --method quantile|regolari|unico [--classes N] [--ramp N]", cmdClassify},
     };
     return list;
-}
-
-QString option(const QStringList &args, const QString &name)
-{
-    const int i = args.indexOf(name);
-    return i >= 0 && i + 1 < args.size() ? args[i + 1] : QString();
-}
-
-bool flag(const QStringList &args, const QString &name) { return args.contains(name); }
-
-int fail(const QString &message)
-{
-    std::fprintf(stderr, "mervola-cli: %s\n", message.toUtf8().constData());
-    return 2;
 }
 
 static void usage()

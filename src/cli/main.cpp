@@ -1,5 +1,6 @@
 // mervola-cli: headless operations on an atlas home.
 #include "cli/Commands.h"
+#include "cli/ToolModule.h"
 
 #include <QCoreApplication>
 #include <QGuiApplication>
@@ -15,5 +16,8 @@ int main(int argc, char **argv)
     const std::unique_ptr<QCoreApplication> app(gui ? new QGuiApplication(argc, argv)
                                                     : new QCoreApplication(argc, argv));
     QCoreApplication::setApplicationName(QStringLiteral("mervola-cli"));
+    // Shapefiles the direct reader leaves aside are read through GDAL in the
+    // tools module, loaded only then.
+    mervola::map::setForeignLayerReader(&mervola::cli::readLayerThroughTools);
     return mervola::cli::run(QCoreApplication::arguments());
 }

@@ -1,0 +1,58 @@
+"""Draws the anchor map with QGIS, for bench/anchors.sh.
+
+    python3 anchor_qgis.py SPEC.json OUT.png
+
+Same SPEC.json as anchor_mapnik.py.
+"""
+import json
+import os
+import sys
+
+os.environ.setdefault("QT_QPA_PLATFORM", "offscreen")
+
+from qgis.core import (QgsApplication, QgsFillSymbol, QgsGraduatedSymbolRenderer, QgsMapRendererParallelJob,
+                       QgsMapSettings, QgsRectangle, QgsRendererRange, QgsSingleSymbolRenderer, QgsVectorLayer)
+from qgis.PyQt.QtCore import QSize
+from qgis.PyQt.QtGui import QColor
+
+
+def fill(spec, colour):
+    props = {"outline_color": spec["outline"], "outline_width": str(spec["outline_width"]),
+             "outline_width_unit": "Pixel"}
+    if colour:
+        props["color"] = colour
+    else:
+        props["style"] = "no"
+    return QgsFillSymbol.createSimple(props)
+
+
+def main():
+    spec = json.load(open(sys.argv[1]))
+    QgsApplication.setPrefixPath("/usr", True)
+    app = QgsApplication([], False)
+    app.initQgis()
+    comuni = QgsVectorLayer(spec["shapefiles"]["comuni"], "comuni", "ogr")
+    regioni = QgsVectorLayer(spec["shapefiles"]["regioni"], "regioni", "ogr")
+    ranges = []
+    lower = -1e300
+    for c in spec["classes"]:
+        ranges.append(QgsRendererRange(lower, c["upper"], fill(spec, c["rgb"]), c["text"]))
+        lower = c["upper"]
+    comuni.setRenderer(QgsGraduatedSymbolRenderer(spec["field"], ranges))
+    regioni.setRenderer(QgsSingleSymbolRenderer(fill(spec, None)))
+    settings = QgsMapSettings()
+    settings.setLayers([regioni, comuni])  # top first
+    settings.setDestinationCrs(comuni.crs())
+    settings.setOutputSize(QSize(spec["width"], spec["height"]))
+    settings.setExtent(QgsRectangle(*spec["extent"]))
+    settings.setBackgroundColor(QColor("white"))
+    settings.setFlag(QgsMapSettings.Antialiasing, True)
+    job = QgsMapRendererParallelJob(settings)
+    job.start()
+    job.waitForFinished()
+    job.renderedImage().save(sys.argv[2], "png")
+    app.exitQgis()
+
+
+if __name__ == "__main__":
+    main()
