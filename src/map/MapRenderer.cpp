@@ -1,9 +1,9 @@
 #include "map/MapRenderer.h"
 
+#include "map/Parallel.h"
+
 #include <QPainter>
 #include <QPainterPath>
-#include <QSemaphore>
-#include <QThreadPool>
 #include <cmath>
 
 namespace mervola::map {
@@ -300,7 +300,9 @@ void MapRenderer::paint(QPainter &painter, const MapModel &model, const MapTrans
 
 QImage MapRenderer::renderImage(const MapModel &model, const MapRect &extent, QSize size, const RenderOptions &o)
 {
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    // An opaque background needs no alpha channel; such an image is quicker
+    // to draw on the screen and to encode.
+    QImage image(size, o.background.alpha() == 255 ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
         return image;
     image.fill(o.background);
@@ -311,7 +313,7 @@ QImage MapRenderer::renderImage(const MapModel &model, const MapRect &extent, QS
     // Two bands per core by default: the north of Italy holds far more
     // vertices than the south, and the thread that finishes first takes
     // the bands still queued, which evens out the load.
-    int bands = o.bands > 0 ? o.bands : 2 * std::max(1, QThreadPool::globalInstance()->maxThreadCount());
+    int bands = o.bands > 0 ? o.bands : 2 * parallelPieces();
     bands = std::clamp(bands, 1, std::max(1, size.height() / 32));
     const int bandHeight = (size.height() + bands - 1) / bands;
 
@@ -335,29 +337,7 @@ QImage MapRenderer::renderImage(const MapModel &model, const MapRect &extent, QS
         paintLayersIn(p, model, t, QRect(0, y0, size.width(), h), o, &styles);
     };
 
-    // Bands 1.. go to the thread pool, band 0 is drawn here. A band still
-    // queued when this thread is done is taken back and drawn here too, so a
-    // busy pool never leaves us waiting.
-    QThreadPool *pool = QThreadPool::globalInstance();
-    std::vector<std::unique_ptr<QRunnable>> jobs;
-    QSemaphore done;
-    for (int b = 1; b < bands; ++b) {
-        jobs.emplace_back(QRunnable::create([&renderBand, &done, b] {
-            renderBand(b);
-            done.release();
-        }));
-        jobs.back()->setAutoDelete(false);
-        pool->start(jobs.back().get());
-    }
-    renderBand(0);
-    int pending = bands - 1;
-    for (auto &job : jobs)
-        if (pool->tryTake(job.get())) {
-            job->run();
-            done.acquire();
-            --pending;
-        }
-    done.acquire(pending);
+    runInParallel(bands, renderBand);
 
     if (o.labels) {
         QPainter p(&image);
