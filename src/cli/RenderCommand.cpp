@@ -5,9 +5,11 @@
 #include "map/MapExport.h"
 #include "map/MapRenderer.h"
 
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QRegularExpression>
+#include <cstdio>
 
 namespace mervola::cli {
 
@@ -80,6 +82,14 @@ int cmdRender(const QStringList &args)
         if (!size.isValid())
             return fail(QStringLiteral("dimensione non valida: %1 (atteso LARGHEZZAxALTEZZA)").arg(s));
     }
+    // MERVOLA_TRACE=1 prints the time of each step on stderr.
+    QElapsedTimer clock;
+    clock.start();
+    const bool trace = qEnvironmentVariableIsSet("MERVOLA_TRACE");
+    auto step = [&](const char *name) {
+        if (trace)
+            std::fprintf(stderr, "%s %.1f ms\n", name, double(clock.nsecsElapsed()) / 1e6);
+    };
     const AtlasHome home = AtlasHome::locate(option(args, QStringLiteral("--home")));
     map::MapModel model;
     const QString project = option(args, QStringLiteral("--project"));
@@ -92,13 +102,23 @@ int cmdRender(const QStringList &args)
         loaded = loadDefaultAtlas(home, model);
     if (!loaded)
         return fail(loaded.errorMessage());
+    step("progetto");
 
     map::RenderOptions options;
     // Text needs the font database of a GUI application; the command line
     // runs as a plain core application unless started with one.
     options.labels = qobject_cast<QGuiApplication *>(QCoreApplication::instance()) != nullptr;
-    if (Status s = map::exportMap(model, model.extent(), size, out, options); !s)
-        return fail(s.errorMessage());
+    Status written;
+    if (*map::exportFormatFor(out) == map::ExportFormat::Png || *map::exportFormatFor(out) == map::ExportFormat::Bmp) {
+        const QImage picture = map::MapRenderer::renderImage(model, model.extent(), size, options);
+        step("disegno");
+        written = writePicture(picture, out);
+    } else {
+        written = map::exportMap(model, model.extent(), size, out, options);
+    }
+    if (!written)
+        return fail(written.errorMessage());
+    step("scrittura");
     return 0;
 }
 
