@@ -25,6 +25,10 @@ bool flag(const QStringList &args, const QString &name);
 // Prints an Italian error on stderr and returns 2.
 int fail(const QString &message);
 
+// Replaces the core application by a GUI application (defined by the
+// executable's main); drawing text needs one, and it costs start-up time.
+void ensureGuiApplication();
+
 // Implemented in the sub-command files.
 int cmdSql(const QStringList &args);
 int cmdBuildAtlas(const QStringList &args);

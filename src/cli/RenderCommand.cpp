@@ -7,8 +7,8 @@
 
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QRegularExpression>
+#include <algorithm>
 #include <cstdio>
 
 namespace mervola::cli {
@@ -105,11 +105,17 @@ int cmdRender(const QStringList &args)
     step("progetto");
 
     map::RenderOptions options;
-    // Text needs the font database of a GUI application; the command line
-    // runs as a plain core application unless started with one.
-    options.labels = qobject_cast<QGuiApplication *>(QCoreApplication::instance()) != nullptr;
+    // Labels and the vector formats draw text; a bitmap without labels is
+    // drawn without the GUI application and its font set-up.
+    options.labels = std::any_of(model.layers().begin(), model.layers().end(), [](const map::MapLayer &l) {
+        return l.visible && l.data && l.labels.enabled();
+    });
+    const bool bitmap = *map::exportFormatFor(out) == map::ExportFormat::Png ||
+                        *map::exportFormatFor(out) == map::ExportFormat::Bmp;
+    if (options.labels || !bitmap)
+        ensureGuiApplication();
     Status written;
-    if (*map::exportFormatFor(out) == map::ExportFormat::Png || *map::exportFormatFor(out) == map::ExportFormat::Bmp) {
+    if (bitmap) {
         const QImage picture = map::MapRenderer::renderImage(model, model.extent(), size, options);
         step("disegno");
         written = writePicture(picture, out);

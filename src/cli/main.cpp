@@ -6,18 +6,43 @@
 #include <QGuiApplication>
 #include <memory>
 
+namespace {
+
+int g_argc = 0;
+char **g_argv = nullptr;
+std::unique_ptr<QCoreApplication> g_app;
+
+}  // namespace
+
+namespace mervola::cli {
+
+void ensureGuiApplication()
+{
+    if (qobject_cast<QGuiApplication *>(g_app.get()))
+        return;
+    // Text needs the font database of a GUI application; it runs on the
+    // offscreen platform unless told otherwise.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    g_app.reset();
+    g_app.reset(new QGuiApplication(g_argc, g_argv));
+    QCoreApplication::setApplicationName(QStringLiteral("mervola-cli"));
+}
+
+}  // namespace mervola::cli
+
 int main(int argc, char **argv)
 {
-    // Rendering draws text (labels), which needs the font database of a GUI
-    // application; it runs on the offscreen platform unless told otherwise.
-    const bool gui = argc > 1 && qstrcmp(argv[1], "render") == 0;
-    if (gui && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const std::unique_ptr<QCoreApplication> app(gui ? new QGuiApplication(argc, argv)
-                                                    : new QCoreApplication(argc, argv));
+    g_argc = argc;
+    g_argv = argv;
+    // A plain core application: the render command upgrades it only for a
+    // picture that needs text or a vector format.
+    g_app.reset(new QCoreApplication(g_argc, g_argv));
     QCoreApplication::setApplicationName(QStringLiteral("mervola-cli"));
     // Shapefiles the direct reader leaves aside are read through GDAL in the
     // tools module, loaded only then.
     mervola::map::setForeignLayerReader(&mervola::cli::readLayerThroughTools);
-    return mervola::cli::run(QCoreApplication::arguments());
+    const int code = mervola::cli::run(QCoreApplication::arguments());
+    g_app.reset();
+    return code;
 }
