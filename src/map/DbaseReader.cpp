@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <string_view>
 
 namespace mervola::map {
 
@@ -202,6 +203,9 @@ Result<DbaseColumns> readDbaseColumns(const QString &path)
             c.numbers.reserve(kept);
         else
             c.texts.reserve(kept);
+        // A text equal to the one above shares its string: codes and names
+        // of provinces and regions come in runs.
+        std::string_view previous;
         for (qint64 r = 0; r < records; ++r) {
             if (out.deleted[std::size_t(r)])
                 continue;
@@ -211,9 +215,15 @@ Result<DbaseColumns> readDbaseColumns(const QString &path)
                 const bool null = n == 0 || *p == '*';
                 c.isNull.push_back(null);
                 c.numbers.push_back(null ? kNaN : parseNumber(p, n, c.type));
+            } else if (n == 0) {
+                c.isNull.push_back(1);
+                c.texts.emplace_back();
+                previous = {};
             } else {
-                c.isNull.push_back(n == 0);
-                c.texts.push_back(n == 0 ? QString() : decode(p, n, coding));
+                const std::string_view value(p, std::size_t(n));
+                c.isNull.push_back(0);
+                c.texts.push_back(value == previous ? c.texts.back() : decode(p, n, coding));
+                previous = value;
             }
         }
         out.columns.push_back(std::move(c));

@@ -53,9 +53,10 @@ std::int32_t le32(const uchar *p) { return std::int32_t(p[0] | p[1] << 8 | p[2] 
 
 QString fileName(const QString &path) { return QFileInfo(path).fileName(); }
 
-Error unreadable(const QString &path)
+Error unreadable(const QString &path, bool theme)
 {
-    return Error{QStringLiteral("Impossibile aprire il tema %1").arg(fileName(path)), kReadUnreadable};
+    const QString text = theme ? QStringLiteral("Impossibile aprire il tema %1") : QStringLiteral("Impossibile aprire il file %1.");
+    return Error{text.arg(fileName(path)), kReadUnreadable};
 }
 
 Error badHeader(const QString &path)
@@ -148,11 +149,11 @@ Result<std::shared_ptr<LayerData>> readShapefile(const QString &shpPath)
 {
     MappedFile shp(shpPath);
     if (!shp.isOpen())
-        return unreadable(shpPath);
+        return unreadable(shpPath, true);
     const QString shxPath = siblingFile(shpPath, "shx");
     MappedFile shx(shxPath);
     if (!shx.isOpen())
-        return unreadable(shxPath);
+        return unreadable(shxPath, false);
     const auto type = headerType(shp);
     if (!type || (familyOf(*type) == Family::Unsupported && *type != 31))
         return badHeader(shpPath);
