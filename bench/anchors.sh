@@ -141,7 +141,7 @@ fi
 
 # --- The project's own benchmarks.
 for b in "$build"/bench/bench_*; do
-  [ -x "$b" ] || continue
+  [ -f "$b" ] && [ -x "$b" ] || continue
   echo
   echo "== $(basename "$b")"
   MERVOLA_BENCH_HOME=$home "$b" 2>&1 | grep -v -E '^(\*\*\*|Run on|CPU Caches|  L[123]|Load Average|---)' || true
