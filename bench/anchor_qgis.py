@@ -51,6 +51,8 @@ def main():
     job.start()
     job.waitForFinished()
     job.renderedImage().save(sys.argv[2], "png")
+    # Layers must go before the application, else QGIS crashes on exit.
+    del job, settings, comuni, regioni
     app.exitQgis()
 
 

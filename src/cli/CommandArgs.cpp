@@ -4,7 +4,8 @@
 
 #include <cstdio>
 
-namespace mervola::cli {
+namespace mervola::cli
+{
 
 QString option(const QStringList &args, const QString &name)
 {
@@ -12,7 +13,10 @@ QString option(const QStringList &args, const QString &name)
     return i >= 0 && i + 1 < args.size() ? args[i + 1] : QString();
 }
 
-bool flag(const QStringList &args, const QString &name) { return args.contains(name); }
+bool flag(const QStringList &args, const QString &name)
+{
+    return args.contains(name);
+}
 
 int fail(const QString &message)
 {
@@ -20,4 +24,4 @@ int fail(const QString &message)
     return 2;
 }
 
-}  // namespace mervola::cli
+} // namespace mervola::cli

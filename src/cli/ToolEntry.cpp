@@ -5,7 +5,8 @@
 
 #include <cstring>
 
-namespace {
+namespace
+{
 
 struct Tool {
     const char *name;
@@ -18,7 +19,7 @@ constexpr Tool kTools[] = {
     {"classify", mervola::cli::cmdClassify},
 };
 
-}  // namespace
+} // namespace
 
 extern "C" __attribute__((visibility("default"))) int mervola_cli_tool(const char *name, const QStringList *args)
 {

@@ -6,9 +6,11 @@
 #include <QFileInfo>
 #include <QLibrary>
 
-namespace mervola::cli {
+namespace mervola::cli
+{
 
-namespace {
+namespace
+{
 
 constexpr char kModuleName[] = "mervola-cli-tools.so";
 
@@ -35,8 +37,7 @@ Module &module()
     return m;
 }
 
-template <class Fn>
-Fn entry(const char *symbol, QString *error)
+template <class Fn> Fn entry(const char *symbol, QString *error)
 {
     Module &m = module();
     if (!m.error.isEmpty()) {
@@ -49,7 +50,7 @@ Fn entry(const char *symbol, QString *error)
     return fn;
 }
 
-}  // namespace
+} // namespace
 
 int runTool(const char *name, const QStringList &args)
 {
@@ -70,8 +71,17 @@ Result<map::LayerDataPtr> readLayerThroughTools(const QString &path)
 }
 
 // The sub-commands of the module, as the command table calls them.
-int cmdBuildAtlas(const QStringList &args) { return runTool("build-atlas", args); }
-int cmdSql(const QStringList &args) { return runTool("sql", args); }
-int cmdClassify(const QStringList &args) { return runTool("classify", args); }
+int cmdBuildAtlas(const QStringList &args)
+{
+    return runTool("build-atlas", args);
+}
+int cmdSql(const QStringList &args)
+{
+    return runTool("sql", args);
+}
+int cmdClassify(const QStringList &args)
+{
+    return runTool("classify", args);
+}
 
-}  // namespace mervola::cli
+} // namespace mervola::cli

@@ -9,7 +9,8 @@
 
 #include <QStringList>
 
-namespace mervola::cli {
+namespace mervola::cli
+{
 
 // Entry points the module exports (C names, looked up at run time).
 inline constexpr char kToolEntry[] = "mervola_cli_tool";
@@ -24,4 +25,4 @@ int runTool(const char *name, const QStringList &args);
 // Foreign layer reader of the command line: reads through GDAL in the module.
 Result<map::LayerDataPtr> readLayerThroughTools(const QString &path);
 
-}  // namespace mervola::cli
+} // namespace mervola::cli

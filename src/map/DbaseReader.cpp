@@ -10,9 +10,11 @@
 #include <limits>
 #include <string_view>
 
-namespace mervola::map {
+namespace mervola::map
+{
 
-namespace {
+namespace
+{
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr int kHeaderSize = 32;
@@ -23,19 +25,29 @@ enum class TextCoding { Raw, Utf8, Latin1, Other };
 
 struct Field {
     Column column;
-    int offset = 0;  // within the record, after the deletion flag
+    int offset = 0; // within the record, after the deletion flag
     int width = 0;
 };
 
-std::uint16_t le16(const uchar *p) { return std::uint16_t(p[0] | p[1] << 8); }
-std::uint32_t le32(const uchar *p) { return std::uint32_t(p[0] | p[1] << 8 | p[2] << 16 | std::uint32_t(p[3]) << 24); }
+std::uint16_t le16(const uchar *p)
+{
+    return std::uint16_t(p[0] | p[1] << 8);
+}
+std::uint32_t le32(const uchar *p)
+{
+    return std::uint32_t(p[0] | p[1] << 8 | p[2] << 16 | std::uint32_t(p[3]) << 24);
+}
 
-QString fileName(const QString &path) { return QFileInfo(path).fileName(); }
+QString fileName(const QString &path)
+{
+    return QFileInfo(path).fileName();
+}
 
 Error malformed(const QString &path)
 {
-    return Error{QStringLiteral("Il file %1 non è una tabella dBase valida: intestazione danneggiata.").arg(fileName(path)),
-                 kReadMalformed};
+    return Error{
+        QStringLiteral("Il file %1 non è una tabella dBase valida: intestazione danneggiata.").arg(fileName(path)),
+        kReadMalformed};
 }
 
 // The code page named by the .cpg's first line, else by the header's
@@ -128,7 +140,9 @@ Result<std::vector<Field>> readFields(const QString &path, const uchar *data, qi
         f.column.name = decode(name, qsizetype(strnlen(name, 11)), coding);
         f.column.width = f.width;
         switch (type) {
-        case 'C': f.column.type = ColumnType::Text; break;
+        case 'C':
+            f.column.type = ColumnType::Text;
+            break;
         case 'N':
         case 'F':
             f.column.precision = d[17];
@@ -137,15 +151,16 @@ Result<std::vector<Field>> readFields(const QString &path, const uchar *data, qi
                 f.column.precision = 0;
             break;
         default:
-            return Error{QStringLiteral("Il file %1 ha un campo di tipo %2.").arg(fileName(path), QChar::fromLatin1(type)),
-                         kReadUnsupported};
+            return Error{
+                QStringLiteral("Il file %1 ha un campo di tipo %2.").arg(fileName(path), QChar::fromLatin1(type)),
+                kReadUnsupported};
         }
         fields.push_back(std::move(f));
     }
     return fields;
 }
 
-}  // namespace
+} // namespace
 
 QString siblingFile(const QString &path, const char *ext)
 {
@@ -231,4 +246,4 @@ Result<DbaseColumns> readDbaseColumns(const QString &path)
     return out;
 }
 
-}  // namespace mervola::map
+} // namespace mervola::map

@@ -18,19 +18,20 @@
 #include <QString>
 #include <vector>
 
-namespace mervola::map {
+namespace mervola::map
+{
 
 // Error::code of the direct shapefile and dBase readers.
 enum ReadErrorCode : int {
-    kReadUnreadable = 1,   // the file is missing or cannot be read
-    kReadUnsupported = 2,  // a valid file outside what the direct reader handles
-    kReadTruncated = 3,    // a file ends before what its header or index declares
-    kReadMalformed = 4,    // a bad header or inconsistent content
+    kReadUnreadable = 1,  // the file is missing or cannot be read
+    kReadUnsupported = 2, // a valid file outside what the direct reader handles
+    kReadTruncated = 3,   // a file ends before what its header or index declares
+    kReadMalformed = 4,   // a bad header or inconsistent content
 };
 
 struct DbaseColumns {
-    std::vector<Column> columns;        // one value per record not marked deleted
-    std::vector<std::uint8_t> deleted;  // per record of the file: 1 when marked deleted
+    std::vector<Column> columns;       // one value per record not marked deleted
+    std::vector<std::uint8_t> deleted; // per record of the file: 1 when marked deleted
 };
 
 Result<DbaseColumns> readDbaseColumns(const QString &dbfPath);
@@ -40,4 +41,4 @@ Result<DbaseColumns> readDbaseColumns(const QString &dbfPath);
 // exists.
 QString siblingFile(const QString &path, const char *ext);
 
-}  // namespace mervola::map
+} // namespace mervola::map

@@ -6,14 +6,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace mervola::map {
+namespace mervola::map
+{
 
 MappedFile::MappedFile(const QString &path)
 {
     const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
     if (fd < 0)
         return;
-    struct stat st {};
+    struct stat st {
+    };
     if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode)) {
         m_size = st.st_size;
         // An empty file cannot be mapped but is still open: size 0.
@@ -36,4 +38,4 @@ MappedFile::~MappedFile()
         ::munmap(const_cast<uchar *>(m_data), std::size_t(m_size));
 }
 
-}  // namespace mervola::map
+} // namespace mervola::map

@@ -5,9 +5,11 @@
 
 #include <QString>
 
-namespace mervola::map {
+namespace mervola::map
+{
 
-class MappedFile {
+class MappedFile
+{
 public:
     explicit MappedFile(const QString &path);
     ~MappedFile();
@@ -24,4 +26,4 @@ private:
     bool m_open = false;
 };
 
-}  // namespace mervola::map
+} // namespace mervola::map

@@ -6,7 +6,8 @@
 #include <memory>
 #include <vector>
 
-namespace mervola::map {
+namespace mervola::map
+{
 
 void runInParallel(int count, const std::function<void(int)> &job)
 {
@@ -34,6 +35,9 @@ void runInParallel(int count, const std::function<void(int)> &job)
     done.acquire(pending);
 }
 
-int parallelPieces() { return std::max(1, QThreadPool::globalInstance()->maxThreadCount()); }
+int parallelPieces()
+{
+    return std::max(1, QThreadPool::globalInstance()->maxThreadCount());
+}
 
-}  // namespace mervola::map
+} // namespace mervola::map

@@ -4,7 +4,8 @@
 
 #include <functional>
 
-namespace mervola::map {
+namespace mervola::map
+{
 
 // Calls job(0) .. job(count - 1), job(0) on this thread, the others on the
 // pool; a piece still queued when this thread is free is taken back and run
@@ -15,4 +16,4 @@ void runInParallel(int count, const std::function<void(int)> &job);
 // Pieces for work that splits well: one per thread of the pool.
 int parallelPieces();
 
-}  // namespace mervola::map
+} // namespace mervola::map

@@ -7,9 +7,11 @@
 #include <vector>
 #include <zlib.h>
 
-namespace mervola::map {
+namespace mervola::map
+{
 
-namespace {
+namespace
+{
 
 constexpr int kMinRowsPerSlice = 64;
 constexpr std::uint8_t kFilterUp = 2;
@@ -104,7 +106,7 @@ void chunk(QByteArray &out, const char type[4], std::initializer_list<QByteArray
     uLong crc = crc32(0, reinterpret_cast<const Bytef *>(type), 4);
     for (QByteArrayView p : parts) {
         if (p.isEmpty())
-            continue;  // crc32() of no data would restart the sum
+            continue; // crc32() of no data would restart the sum
         out.append(p);
         crc = crc32(crc, reinterpret_cast<const Bytef *>(p.data()), uInt(p.size()));
     }
@@ -122,7 +124,7 @@ bool allOpaque(const QImage &image)
     return true;
 }
 
-}  // namespace
+} // namespace
 
 QByteArray encodePng(const QImage &image)
 {
@@ -135,7 +137,7 @@ QByteArray encodePng(const QImage &image)
             src = src.convertToFormat(src.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
         alpha = src.hasAlphaChannel() && !allOpaque(src);
         if (alpha)
-            src = src.convertToFormat(QImage::Format_ARGB32);  // straight alpha, as PNG stores it
+            src = src.convertToFormat(QImage::Format_ARGB32); // straight alpha, as PNG stores it
     }
 
     const int h = src.height();
@@ -181,4 +183,4 @@ bool writePng(const QImage &image, QIODevice &out)
     return !bytes.isEmpty() && out.write(bytes) == bytes.size();
 }
 
-}  // namespace mervola::map
+} // namespace mervola::map

@@ -15,7 +15,8 @@
 
 class QIODevice;
 
-namespace mervola::map {
+namespace mervola::map
+{
 
 // The PNG file of `image`; empty for a null image.
 QByteArray encodePng(const QImage &image);
@@ -23,4 +24,4 @@ QByteArray encodePng(const QImage &image);
 // Writes encodePng(image) to `out`; false when the device refuses the bytes.
 bool writePng(const QImage &image, QIODevice &out);
 
-}  // namespace mervola::map
+} // namespace mervola::map

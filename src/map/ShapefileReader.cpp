@@ -6,9 +6,11 @@
 #include <bit>
 #include <cstring>
 
-namespace mervola::map {
+namespace mervola::map
+{
 
-namespace {
+namespace
+{
 
 static_assert(std::endian::native == std::endian::little, "coordinates are copied as stored (little-endian)");
 
@@ -21,20 +23,26 @@ enum class Family { Null, Point, MultiPoint, Line, Polygon, Unsupported };
 Family familyOf(int type)
 {
     switch (type) {
-    case 0: return Family::Null;
+    case 0:
+        return Family::Null;
     case 1:
     case 11:
-    case 21: return Family::Point;
+    case 21:
+        return Family::Point;
     case 8:
     case 18:
-    case 28: return Family::MultiPoint;
+    case 28:
+        return Family::MultiPoint;
     case 3:
     case 13:
-    case 23: return Family::Line;
+    case 23:
+        return Family::Line;
     case 5:
     case 15:
-    case 25: return Family::Polygon;
-    default: return Family::Unsupported;
+    case 25:
+        return Family::Polygon;
+    default:
+        return Family::Unsupported;
     }
 }
 
@@ -42,20 +50,33 @@ GeometryKind kindOf(Family f)
 {
     switch (f) {
     case Family::Point:
-    case Family::MultiPoint: return GeometryKind::Point;
-    case Family::Line: return GeometryKind::Line;
-    default: return GeometryKind::Polygon;
+    case Family::MultiPoint:
+        return GeometryKind::Point;
+    case Family::Line:
+        return GeometryKind::Line;
+    default:
+        return GeometryKind::Polygon;
     }
 }
 
-std::int32_t be32(const uchar *p) { return std::int32_t(std::uint32_t(p[0]) << 24 | p[1] << 16 | p[2] << 8 | p[3]); }
-std::int32_t le32(const uchar *p) { return std::int32_t(p[0] | p[1] << 8 | p[2] << 16 | std::uint32_t(p[3]) << 24); }
+std::int32_t be32(const uchar *p)
+{
+    return std::int32_t(std::uint32_t(p[0]) << 24 | p[1] << 16 | p[2] << 8 | p[3]);
+}
+std::int32_t le32(const uchar *p)
+{
+    return std::int32_t(p[0] | p[1] << 8 | p[2] << 16 | std::uint32_t(p[3]) << 24);
+}
 
-QString fileName(const QString &path) { return QFileInfo(path).fileName(); }
+QString fileName(const QString &path)
+{
+    return QFileInfo(path).fileName();
+}
 
 Error unreadable(const QString &path, bool theme)
 {
-    const QString text = theme ? QStringLiteral("Impossibile aprire il tema %1") : QStringLiteral("Impossibile aprire il file %1.");
+    const QString text =
+        theme ? QStringLiteral("Impossibile aprire il tema %1") : QStringLiteral("Impossibile aprire il file %1.");
     return Error{text.arg(fileName(path)), kReadUnreadable};
 }
 
@@ -75,8 +96,9 @@ Error truncated(const QString &path, qint64 record)
 
 Error badRecord(const QString &path, qint64 record)
 {
-    return Error{QStringLiteral("Il file %1 è danneggiato: l'elemento %2 non è leggibile.").arg(fileName(path)).arg(record + 1),
-                 kReadMalformed};
+    return Error{
+        QStringLiteral("Il file %1 è danneggiato: l'elemento %2 non è leggibile.").arg(fileName(path)).arg(record + 1),
+        kReadMalformed};
 }
 
 // Checks the 100-byte header shared by .shp and .shx; returns the shape type.
@@ -98,7 +120,8 @@ bool appendShape(LayerData &d, Family family, const uchar *c, qint64 length)
         std::memcpy(d.xy.data() + at, xy, count * 16);
     };
     switch (family) {
-    case Family::Null: return true;
+    case Family::Null:
+        return true;
     case Family::Point:
         if (length < 20)
             return false;
@@ -138,12 +161,13 @@ bool appendShape(LayerData &d, Family family, const uchar *c, qint64 length)
             d.ringStart.push_back(base + std::uint32_t(p < parts ? le32(partStart + 4 * p) : points));
         return true;
     }
-    case Family::Unsupported: break;
+    case Family::Unsupported:
+        break;
     }
     return false;
 }
 
-}  // namespace
+} // namespace
 
 Result<std::shared_ptr<LayerData>> readShapefile(const QString &shpPath)
 {
@@ -215,4 +239,4 @@ Result<std::shared_ptr<LayerData>> readShapefile(const QString &shpPath)
     return d;
 }
 
-}  // namespace mervola::map
+} // namespace mervola::map

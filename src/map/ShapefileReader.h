@@ -17,8 +17,9 @@
 
 #include <memory>
 
-namespace mervola::map {
+namespace mervola::map
+{
 
 Result<std::shared_ptr<LayerData>> readShapefile(const QString &shpPath);
 
-}  // namespace mervola::map
+} // namespace mervola::map

@@ -11,7 +11,8 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
 // One theme in red with black outlines, from `folder`, over the extent of Italy.
 QByteArray projectFor(const QString &folder, const QString &theme)
@@ -32,9 +33,10 @@ int redPixels(const QImage &img)
     return n;
 }
 
-}  // namespace
+} // namespace
 
-class TestRenderLink : public QObject {
+class TestRenderLink : public QObject
+{
     Q_OBJECT
     QTemporaryDir m_dir;
 
@@ -68,7 +70,8 @@ private slots:
         QCOMPARE(test::runProgram(QStringLiteral("ldd"), {QStringLiteral(MERVOLA_CLI)}, &out), 0);
         QVERIFY(out.contains(QLatin1String("libQt6Gui")));
         QVERIFY2(!out.contains(QLatin1String("libgdal")), qPrintable(out));
-        QVERIFY(QFileInfo::exists(QFileInfo(QStringLiteral(MERVOLA_CLI)).path() + QStringLiteral("/mervola-cli-tools.so")));
+        QVERIFY(
+            QFileInfo::exists(QFileInfo(QStringLiteral(MERVOLA_CLI)).path() + QStringLiteral("/mervola-cli-tools.so")));
     }
 
     void initTestCase() { QVERIFY(test::copyRealAtlas(m_dir.filePath(QStringLiteral("reale")))); }

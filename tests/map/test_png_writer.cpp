@@ -8,9 +8,13 @@
 
 using namespace mervola::map;
 
-namespace {
+namespace
+{
 
-quint32 be32(const uchar *p) { return quint32(p[0]) << 24 | p[1] << 16 | p[2] << 8 | p[3]; }
+quint32 be32(const uchar *p)
+{
+    return quint32(p[0]) << 24 | p[1] << 16 | p[2] << 8 | p[3];
+}
 
 int paeth(int a, int b, int c)
 {
@@ -97,9 +101,10 @@ QImage mapLike(QSize size, QImage::Format format, QColor background)
     return img;
 }
 
-}  // namespace
+} // namespace
 
-class TestPngWriter : public QObject {
+class TestPngWriter : public QObject
+{
     Q_OBJECT
 private slots:
     void decodesToTheSamePixels_data()

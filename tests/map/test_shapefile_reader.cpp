@@ -14,7 +14,8 @@
 using namespace mervola;
 using namespace mervola::map;
 
-namespace {
+namespace
+{
 
 using Ring = std::vector<double>;
 
@@ -30,7 +31,10 @@ std::vector<Ring> ringsOf(const LayerData &d, int f)
     return rings;
 }
 
-bool sameNumber(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
+bool sameNumber(double a, double b)
+{
+    return a == b || (std::isnan(a) && std::isnan(b));
+}
 
 // Every coordinate, box and attribute of `a` equal to `b`; the first
 // difference as text, empty when none.
@@ -100,9 +104,10 @@ void writeDatedShapefile(const QString &path)
     GDALClose(ds);
 }
 
-}  // namespace
+} // namespace
 
-class TestShapefileReader : public QObject {
+class TestShapefileReader : public QObject
+{
     Q_OBJECT
     QTemporaryDir m_dir;
     QString m_italia;
@@ -185,24 +190,32 @@ private slots:
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("message");
         enum { Cut, CutMidRecord, Header, Missing, Offset };
-        QTest::newRow("shp cut mid-record") << "shp" << int(CutMidRecord) << int(kReadTruncated)
-                                            << "Il file comuni.shp è troncato: l'elemento 7899 supera la fine del file.";
+        QTest::newRow("shp cut mid-record")
+            << "shp" << int(CutMidRecord) << int(kReadTruncated)
+            << "Il file comuni.shp è troncato: l'elemento 7899 supera la fine del file.";
         QTest::newRow("shp bad header") << "shp" << int(Header) << int(kReadMalformed)
                                         << "Il file comuni.shp non è uno shapefile valido: intestazione danneggiata.";
-        QTest::newRow("shp shorter than a header") << "shp" << int(Cut) << int(kReadMalformed)
-                                                   << "Il file comuni.shp non è uno shapefile valido: intestazione danneggiata.";
-        QTest::newRow("shx cut") << "shx" << int(CutMidRecord) << int(kReadTruncated) << "Il file comuni.shx è troncato.";
+        QTest::newRow("shp shorter than a header")
+            << "shp" << int(Cut) << int(kReadMalformed)
+            << "Il file comuni.shp non è uno shapefile valido: intestazione danneggiata.";
+        QTest::newRow("shx cut") << "shx" << int(CutMidRecord) << int(kReadTruncated)
+                                 << "Il file comuni.shx è troncato.";
         QTest::newRow("shx bad header") << "shx" << int(Header) << int(kReadMalformed)
                                         << "Il file comuni.shx non è uno shapefile valido: intestazione danneggiata.";
-        QTest::newRow("shx missing") << "shx" << int(Missing) << int(kReadUnreadable) << "Impossibile aprire il file comuni.shx.";
-        QTest::newRow("shx offset past the end") << "shx" << int(Offset) << int(kReadTruncated)
-                                                 << "Il file comuni.shp è troncato: l'elemento 1 supera la fine del file.";
-        QTest::newRow("dbf cut mid-record") << "dbf" << int(CutMidRecord) << int(kReadTruncated)
-                                            << "Il file comuni.dbf è troncato: dichiara 7899 record ma ne contiene 7898.";
-        QTest::newRow("dbf bad header") << "dbf" << int(Header) << int(kReadMalformed)
-                                        << "Il file comuni.dbf non è una tabella dBase valida: intestazione danneggiata.";
-        QTest::newRow("dbf shorter than a header") << "dbf" << int(Cut) << int(kReadMalformed)
-                                                   << "Il file comuni.dbf non è una tabella dBase valida: intestazione danneggiata.";
+        QTest::newRow("shx missing") << "shx" << int(Missing) << int(kReadUnreadable)
+                                     << "Impossibile aprire il file comuni.shx.";
+        QTest::newRow("shx offset past the end")
+            << "shx" << int(Offset) << int(kReadTruncated)
+            << "Il file comuni.shp è troncato: l'elemento 1 supera la fine del file.";
+        QTest::newRow("dbf cut mid-record")
+            << "dbf" << int(CutMidRecord) << int(kReadTruncated)
+            << "Il file comuni.dbf è troncato: dichiara 7899 record ma ne contiene 7898.";
+        QTest::newRow("dbf bad header")
+            << "dbf" << int(Header) << int(kReadMalformed)
+            << "Il file comuni.dbf non è una tabella dBase valida: intestazione danneggiata.";
+        QTest::newRow("dbf shorter than a header")
+            << "dbf" << int(Cut) << int(kReadMalformed)
+            << "Il file comuni.dbf non è una tabella dBase valida: intestazione danneggiata.";
     }
 
     void damagedFilesAreClearErrors()
@@ -215,8 +228,12 @@ private slots:
         const QString path = base + QLatin1Char('.') + file;
         const qint64 size = QFileInfo(path).size();
         switch (damage) {
-        case 0: cut(path, 20); break;
-        case 1: cut(path, size - 3); break;
+        case 0:
+            cut(path, 20);
+            break;
+        case 1:
+            cut(path, size - 3);
+            break;
         case 2:
             // A dBase header shorter than its own first part; a shapefile
             // without its file code.
@@ -225,8 +242,12 @@ private slots:
             else
                 patch(path, 0, QByteArray("\xff\xff\xff\xff", 4));
             break;
-        case 3: QVERIFY(QFile::remove(path)); break;
-        case 4: patch(path, 100, QByteArray("\x7f\xff\xff\x00", 4)); break;
+        case 3:
+            QVERIFY(QFile::remove(path));
+            break;
+        case 4:
+            patch(path, 100, QByteArray("\x7f\xff\xff\x00", 4));
+            break;
         }
         auto read = readShapefile(base + QStringLiteral(".shp"));
         QVERIFY(!read.ok());
@@ -239,7 +260,7 @@ private slots:
     void recordCountsMustAgree()
     {
         const QString base = copyTheme(QStringLiteral("regioni"), QStringLiteral("conteggi"));
-        patch(base + QStringLiteral(".dbf"), 4, QByteArray("\x13\x00\x00\x00", 4));  // 19 records declared
+        patch(base + QStringLiteral(".dbf"), 4, QByteArray("\x13\x00\x00\x00", 4)); // 19 records declared
         QCOMPARE(readShapefile(base + QStringLiteral(".shp")).errorMessage(),
                  QStringLiteral("La tabella regioni.dbf ha 19 record ma lo shapefile regioni.shp ha 20 elementi."));
         // Without its table a shapefile still draws, without attributes.

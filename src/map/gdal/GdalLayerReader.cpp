@@ -6,9 +6,11 @@
 #include <mutex>
 #include <ogrsf_frmts.h>
 
-namespace mervola::map {
+namespace mervola::map
+{
 
-namespace {
+namespace
+{
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
@@ -74,10 +76,13 @@ GeometryKind kindOf(OGRwkbGeometryType t)
 {
     switch (wkbFlatten(t)) {
     case wkbPoint:
-    case wkbMultiPoint: return GeometryKind::Point;
+    case wkbMultiPoint:
+        return GeometryKind::Point;
     case wkbLineString:
-    case wkbMultiLineString: return GeometryKind::Line;
-    default: return GeometryKind::Polygon;
+    case wkbMultiLineString:
+        return GeometryKind::Line;
+    default:
+        return GeometryKind::Polygon;
     }
 }
 
@@ -87,7 +92,7 @@ const bool registered = [] {
     return true;
 }();
 
-}  // namespace
+} // namespace
 
 Result<LayerDataPtr> readLayerWithGdal(const QString &path)
 {
@@ -111,9 +116,15 @@ Result<LayerDataPtr> readLayerWithGdal(const QString &path)
         c.precision = fd->GetPrecision();
         switch (fd->GetType()) {
         case OFTInteger:
-        case OFTInteger64: c.type = ColumnType::Integer; break;
-        case OFTReal: c.type = ColumnType::Real; break;
-        default: c.type = ColumnType::Text; break;
+        case OFTInteger64:
+            c.type = ColumnType::Integer;
+            break;
+        case OFTReal:
+            c.type = ColumnType::Real;
+            break;
+        default:
+            c.type = ColumnType::Text;
+            break;
         }
         d->columns.push_back(std::move(c));
     }
@@ -149,4 +160,4 @@ Result<LayerDataPtr> readLayerWithGdal(const QString &path)
     return std::shared_ptr<const LayerData>(std::move(d));
 }
 
-}  // namespace mervola::map
+} // namespace mervola::map

@@ -5,8 +5,9 @@
 
 #include "map/LayerData.h"
 
-namespace mervola::map {
+namespace mervola::map
+{
 
 Result<LayerDataPtr> readLayerWithGdal(const QString &path);
 
-}  // namespace mervola::map
+} // namespace mervola::map
