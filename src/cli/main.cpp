@@ -3,18 +3,24 @@
 #include "cli/ToolModule.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QGuiApplication>
+#include <cerrno>
 #include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
 
-namespace {
+namespace
+{
 
 int g_argc = 0;
 char **g_argv = nullptr;
 std::unique_ptr<QCoreApplication> g_app;
 
-}  // namespace
+} // namespace
 
-namespace mervola::cli {
+namespace mervola::cli
+{
 
 void ensureGuiApplication()
 {
@@ -24,12 +30,19 @@ void ensureGuiApplication()
     // offscreen platform unless told otherwise.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Without a session (cron, ssh, CI) Qt warns on standard error that it
+    // picks a runtime folder itself; take a private one quietly instead.
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        const QByteArray dir = QDir::tempPath().toLocal8Bit() + "/mervola-runtime-" + QByteArray::number(getuid());
+        if (::mkdir(dir.constData(), 0700) == 0 || errno == EEXIST)
+            qputenv("XDG_RUNTIME_DIR", dir);
+    }
     g_app.reset();
     g_app.reset(new QGuiApplication(g_argc, g_argv));
     QCoreApplication::setApplicationName(QStringLiteral("mervola-cli"));
 }
 
-}  // namespace mervola::cli
+} // namespace mervola::cli
 
 int main(int argc, char **argv)
 {

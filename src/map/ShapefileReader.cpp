@@ -1,6 +1,7 @@
 #include "map/ShapefileReader.h"
 
 #include "map/MappedFile.h"
+#include "platform/dbf/TableCheck.h"
 
 #include <QFileInfo>
 #include <bit>
@@ -171,6 +172,11 @@ bool appendShape(LayerData &d, Family family, const uchar *c, qint64 length)
 
 Result<std::shared_ptr<LayerData>> readShapefile(const QString &shpPath)
 {
+    // Cut or inconsistent files are refused with the messages every reader
+    // of the program gives (kDamagedFile); the checks below also guard the
+    // memory reads against a file that changes after that check.
+    if (Status whole = checkShapefile(shpPath); !whole)
+        return whole.error();
     MappedFile shp(shpPath);
     if (!shp.isOpen())
         return unreadable(shpPath, true);

@@ -88,6 +88,23 @@ private slots:
         QVERIFY(redPixels(QImage(out)) > 5000);
     }
 
+    void vectorPictureWithoutSessionIsQuiet()
+    {
+        // A PDF needs the GUI application, which a run from cron or ssh
+        // starts without a runtime folder: no warning may reach stderr.
+        const QByteArray saved = qgetenv("XDG_RUNTIME_DIR");
+        qunsetenv("XDG_RUNTIME_DIR");
+        const QString project = regionsCopy(QStringLiteral("vettoriale"), [](const QString &) {});
+        const QString out = m_dir.filePath(QStringLiteral("vettoriale.pdf"));
+        QString err;
+        const int code = render(project, out, &err);
+        if (!saved.isEmpty())
+            qputenv("XDG_RUNTIME_DIR", saved);
+        QCOMPARE(code, 0);
+        QCOMPARE(err, QString());
+        QVERIFY(QFileInfo(out).size() > 1000);
+    }
+
     void damagedThemeStopsTheRender()
     {
         // The last record of the table cut in the middle.
@@ -100,7 +117,7 @@ private slots:
         QString err;
         QCOMPARE(render(project, out, &err), 2);
         QCOMPARE(err.trimmed(),
-                 QStringLiteral("mervola-cli: Il file regioni.dbf è troncato: dichiara 20 record ma ne contiene 19."));
+                 QStringLiteral("mervola-cli: Il file regioni.dbf è danneggiato: contiene 19 record completi su 20."));
         QVERIFY(!QFile::exists(out));
     }
 };

@@ -2,6 +2,7 @@
 // hand-over of foreign files to GDAL, and damaged files.
 #include "map/ShapefileReader.h"
 #include "map/gdal/GdalLayerReader.h"
+#include "platform/dbf/TableCheck.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -189,33 +190,28 @@ private slots:
         QTest::addColumn<int>("damage");
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("message");
-        enum { Cut, CutMidRecord, Header, Missing, Offset };
-        QTest::newRow("shp cut mid-record")
-            << "shp" << int(CutMidRecord) << int(kReadTruncated)
-            << "Il file comuni.shp è troncato: l'elemento 7899 supera la fine del file.";
-        QTest::newRow("shp bad header") << "shp" << int(Header) << int(kReadMalformed)
-                                        << "Il file comuni.shp non è uno shapefile valido: intestazione danneggiata.";
-        QTest::newRow("shp shorter than a header")
-            << "shp" << int(Cut) << int(kReadMalformed)
-            << "Il file comuni.shp non è uno shapefile valido: intestazione danneggiata.";
-        QTest::newRow("shx cut") << "shx" << int(CutMidRecord) << int(kReadTruncated)
-                                 << "Il file comuni.shx è troncato.";
-        QTest::newRow("shx bad header") << "shx" << int(Header) << int(kReadMalformed)
-                                        << "Il file comuni.shx non è uno shapefile valido: intestazione danneggiata.";
-        QTest::newRow("shx missing") << "shx" << int(Missing) << int(kReadUnreadable)
-                                     << "Impossibile aprire il file comuni.shx.";
+        enum { Cut, CutMidRecord, Header, Missing, Offset, OffsetInHeader };
+        // Cut files and headers: the program's own damage check.
+        QTest::newRow("shp cut mid-record") << "shp" << int(CutMidRecord) << int(kDamagedFile)
+                                            << "Il file comuni.shp è danneggiato: il file è troncato.";
+        QTest::newRow("shp bad header") << "shp" << int(Header) << int(kDamagedFile)
+                                        << "Il file comuni.shp è danneggiato: l'intestazione è incompleta.";
+        QTest::newRow("shx shorter than a header") << "shx" << int(Cut) << int(kDamagedFile)
+                                                   << "Il file comuni.shx è danneggiato: l'intestazione è incompleta.";
+        QTest::newRow("shx missing") << "shx" << int(Missing) << int(kDamagedFile) << "Manca il file comuni.shx.";
+        QTest::newRow("dbf cut mid-record")
+            << "dbf" << int(CutMidRecord) << int(kDamagedFile)
+            << "Il file comuni.dbf è danneggiato: contiene 7.898 record completi su 7.899.";
+        QTest::newRow("dbf bad header")
+            << "dbf" << int(Header) << int(kDamagedFile)
+            << "Il file comuni.dbf è danneggiato: l'intestazione della tabella è incompleta.";
+        // Whole files whose index points outside the shapes.
         QTest::newRow("shx offset past the end")
             << "shx" << int(Offset) << int(kReadTruncated)
             << "Il file comuni.shp è troncato: l'elemento 1 supera la fine del file.";
-        QTest::newRow("dbf cut mid-record")
-            << "dbf" << int(CutMidRecord) << int(kReadTruncated)
-            << "Il file comuni.dbf è troncato: dichiara 7899 record ma ne contiene 7898.";
-        QTest::newRow("dbf bad header")
-            << "dbf" << int(Header) << int(kReadMalformed)
-            << "Il file comuni.dbf non è una tabella dBase valida: intestazione danneggiata.";
-        QTest::newRow("dbf shorter than a header")
-            << "dbf" << int(Cut) << int(kReadMalformed)
-            << "Il file comuni.dbf non è una tabella dBase valida: intestazione danneggiata.";
+        QTest::newRow("shx offset into the header")
+            << "shx" << int(OffsetInHeader) << int(kReadMalformed)
+            << "Il file comuni.shx è danneggiato: l'elemento 1 non è leggibile.";
     }
 
     void damagedFilesAreClearErrors()
@@ -248,6 +244,9 @@ private slots:
         case 4:
             patch(path, 100, QByteArray("\x7f\xff\xff\x00", 4));
             break;
+        case 5:
+            patch(path, 100, QByteArray("\x00\x00\x00\x10", 4));
+            break;
         }
         auto read = readShapefile(base + QStringLiteral(".shp"));
         QVERIFY(!read.ok());
@@ -262,7 +261,7 @@ private slots:
         const QString base = copyTheme(QStringLiteral("regioni"), QStringLiteral("conteggi"));
         patch(base + QStringLiteral(".dbf"), 4, QByteArray("\x13\x00\x00\x00", 4)); // 19 records declared
         QCOMPARE(readShapefile(base + QStringLiteral(".shp")).errorMessage(),
-                 QStringLiteral("La tabella regioni.dbf ha 19 record ma lo shapefile regioni.shp ha 20 elementi."));
+                 QStringLiteral("Il file regioni.dbf è danneggiato: contiene 19 record per 20 elementi."));
         // Without its table a shapefile still draws, without attributes.
         QVERIFY(QFile::remove(base + QStringLiteral(".dbf")));
         auto bare = readShapefile(base + QStringLiteral(".shp"));

@@ -74,7 +74,7 @@ void MainWindow::openClassification(const QString &layerName)
     const QList<classify::CandidateField> fields =
         candidateFields(*layer->data, m_state.structure, ReferenceDb(m_home));
     if (fields.isEmpty()) {
-        showMessage(MsgStyle::Exclamation, QStringLiteral("Il tema non ha campi numerici da classificare."));
+        showMessage(MsgStyle::Exclamation, QStringLiteral("Il tema non ha campi da classificare."));
         return;
     }
     QString dbf = layer->data->sourcePath;
@@ -132,9 +132,9 @@ void MainWindow::showLegendMenu(const QString &layerName, const QPoint &globalPo
 void MainWindow::exportMap()
 {
     const Status st = runExportCommand(m_map->model(), m_map->extent(), m_map->size(),
-                                       [this](const QString &title, const QString &filter) {
+                                       [this](const QString &title, const QString &filter, QString *selected) {
                                            return QFileDialog::getSaveFileName(this, title, m_home.root(), filter,
-                                                                               nullptr,
+                                                                               selected,
                                                                                QFileDialog::DontConfirmOverwrite);
                                        });
     if (!st && !st.errorMessage().isEmpty())
@@ -156,7 +156,8 @@ void MainWindow::printMap()
     pageContent.dateText = QLocale(QLocale::Italian).toString(QDate::currentDate(), QStringLiteral("d MMMM yyyy"));
     pageContent.model = m_map->model();
     pageContent.extent = m_map->extent();
-    pageContent.legend = legendFromModel(pageContent.model, [this](const QString &n) { return aliasOf(n); });
+    // The page prints the legend exactly as the panel shows it.
+    pageContent.legend = m_legend->entries();
     openMapPrintPage(this, pageContent);
 }
 
@@ -191,7 +192,11 @@ void MainWindow::chooseRegion(int index)
     const RegionEntry region{m_regions->itemText(index), m_regions->itemData(index).toString()};
     auto result = switchRegion(m_map->model(), m_home, region, m_state);
     if (!result) {
+        // Nothing changed: the box shows the region that is still on the map.
+        const QSignalBlocker block(m_regions);
+        m_regions->setCurrentIndex(std::max(0, m_regions->findData(m_state.regionCode)));
         showMessage(MsgStyle::Critical, result.errorMessage());
+        return;
     } else {
         // The project records which mountain-community table is on the map.
         m_state.communityTable = mountainTheme(region.code);
@@ -202,10 +207,8 @@ void MainWindow::chooseRegion(int index)
                 layer->visible = true;
                 storeVisibility(name, true);
             }
-        if (result->extent) {
-            saveView();
-            setMapExtent(*result->extent);
-        }
+        if (result->extent)
+            moveView(*result->extent);
     }
     m_state.projectModified = true;
     refreshLegend();
