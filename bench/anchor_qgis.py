@@ -1,8 +1,8 @@
 """Draws the anchor map with QGIS, for bench/anchors.sh.
 
-    python3 anchor_qgis.py SPEC.json OUT.png
+    python3 anchor_qgis.py ANCHOR.json OUT.png
 
-Same SPEC.json as anchor_mapnik.py.
+Same ANCHOR.json as anchor_mapnik.py.
 """
 import json
 import os
@@ -16,8 +16,8 @@ from qgis.PyQt.QtCore import QSize
 from qgis.PyQt.QtGui import QColor
 
 
-def fill(spec, colour):
-    props = {"outline_color": spec["outline"], "outline_width": str(spec["outline_width"]),
+def fill(anchor, colour):
+    props = {"outline_color": anchor["outline"], "outline_width": str(anchor["outline_width"]),
              "outline_width_unit": "Pixel"}
     if colour:
         props["color"] = colour
@@ -27,24 +27,24 @@ def fill(spec, colour):
 
 
 def main():
-    spec = json.load(open(sys.argv[1]))
+    anchor = json.load(open(sys.argv[1]))
     QgsApplication.setPrefixPath("/usr", True)
     app = QgsApplication([], False)
     app.initQgis()
-    comuni = QgsVectorLayer(spec["shapefiles"]["comuni"], "comuni", "ogr")
-    regioni = QgsVectorLayer(spec["shapefiles"]["regioni"], "regioni", "ogr")
+    comuni = QgsVectorLayer(anchor["shapefiles"]["comuni"], "comuni", "ogr")
+    regioni = QgsVectorLayer(anchor["shapefiles"]["regioni"], "regioni", "ogr")
     ranges = []
     lower = -1e300
-    for c in spec["classes"]:
-        ranges.append(QgsRendererRange(lower, c["upper"], fill(spec, c["rgb"]), c["text"]))
+    for c in anchor["classes"]:
+        ranges.append(QgsRendererRange(lower, c["upper"], fill(anchor, c["rgb"]), c["text"]))
         lower = c["upper"]
-    comuni.setRenderer(QgsGraduatedSymbolRenderer(spec["field"], ranges))
-    regioni.setRenderer(QgsSingleSymbolRenderer(fill(spec, None)))
+    comuni.setRenderer(QgsGraduatedSymbolRenderer(anchor["field"], ranges))
+    regioni.setRenderer(QgsSingleSymbolRenderer(fill(anchor, None)))
     settings = QgsMapSettings()
     settings.setLayers([regioni, comuni])  # top first
     settings.setDestinationCrs(comuni.crs())
-    settings.setOutputSize(QSize(spec["width"], spec["height"]))
-    settings.setExtent(QgsRectangle(*spec["extent"]))
+    settings.setOutputSize(QSize(anchor["width"], anchor["height"]))
+    settings.setExtent(QgsRectangle(*anchor["extent"]))
     settings.setBackgroundColor(QColor("white"))
     settings.setFlag(QgsMapSettings.Antialiasing, True)
     job = QgsMapRendererParallelJob(settings)

@@ -10,6 +10,10 @@
 #
 #   bash bench/anchors.sh            # build folder ./build, 7 rounds
 #   MERVOLA_BUILD=DIR ROUNDS=N MERVOLA_BENCH_HOME=ATLAS bash bench/anchors.sh
+#
+# MERVOLA_BEFORE=DIR adds the mervola-cli of another build folder (an earlier
+# version, "prima") to the turns, so that two versions are compared under the
+# same load.
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
@@ -54,16 +58,20 @@ project = ["[RLX]", "DBFCOMMONT=^", "EXTENT=" + "".join("%d^" % v for v in exten
            section("regioni", "2^0^1^0^%d^" % black),
            section("comuni", "2^0^0^16776960^%d^" % black, "QUANTILE", "_02010^5^0^0^", items)]
 open(work + "/anchor.rlx", "w", encoding="utf-8").write("\n".join(project) + "\n")
-spec = {"srs": "+proj=utm +zone=32 +datum=WGS84 +units=m +no_defs", "width": 1600, "height": 1200,
+anchor = {"srs": "+proj=utm +zone=32 +datum=WGS84 +units=m +no_defs", "width": 1600, "height": 1200,
         "extent": extent, "field": "_02010", "outline": "#000000", "outline_width": 0.6,
         "classes": [{"upper": c["upper"], "rgb": c["rgb"], "text": c["text"]} for c in classes],
         "shapefiles": {n: "%s/italia/%s.shp" % (home, n) for n in ("comuni", "regioni")}}
-json.dump(spec, open(work + "/anchor.json", "w"), indent=1)
+json.dump(anchor, open(work + "/anchor.json", "w"), indent=1)
 EOF
 
 names=(mervola)
 declare -A cmd
 cmd[mervola]="$cli render --home $home --project $work/anchor.rlx --size 1600x1200 --out $work/mervola.png"
+if [ -n "${MERVOLA_BEFORE:-}" ]; then
+  names+=(prima)
+  cmd[prima]="$MERVOLA_BEFORE/mervola-cli render --home $home --project $work/anchor.rlx --size 1600x1200 --out $work/prima.png"
+fi
 if "$python" -c "import mapnik" 2>/dev/null; then
   names+=(mapnik)
   cmd[mapnik]="$python $here/anchor_mapnik.py $work/anchor.json $work/mapnik.png"
@@ -122,12 +130,12 @@ for n in names + ["startup", "build-atlas"]:
     t, m = load(n, "times"), load(n, "mem")
     if t:
         print("%-10s %12.3f %12.1f" % (n, statistics.median(t) / 1e6, max(m) / 1024))
-base = load("mervola", "times")
-for other in names[1:]:
-    o = load(other, "times")
-    ratios = [a / b for a, b in zip(base, o)]
-    print("mervola/%s per turno: %s; mediana %.2f" % (other, " ".join("%.2f" % r for r in ratios),
-                                                      statistics.median(ratios)))
+for mine in [n for n in names if n in ("mervola", "prima")]:
+    base = load(mine, "times")
+    for other in [n for n in names if n in ("mapnik", "qgis")]:
+        ratios = [a / b for a, b in zip(base, load(other, "times"))]
+        print("%s/%s per turno: %s; mediana %.2f" % (mine, other, " ".join("%.2f" % r for r in ratios),
+                                                   statistics.median(ratios)))
 EOF
 
 # --- The pictures, pixel by pixel (a difference above 10% of the range counts).
