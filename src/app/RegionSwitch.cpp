@@ -35,29 +35,33 @@ int insertionIndex(const map::MapModel &model)
     return above;
 }
 
-// Adds one theme from italia/ with the settings of its file in supporto/.
-Status addTheme(map::MapModel &model, const AtlasHome &home, const QString &theme, int position)
+// The region box's way: the pristine table back into italia/, the working
+// settings file of supporto/ (its WORKSPACE set to the home's italia/).
+Result<RegionTheme> fromHome(const AtlasHome &home, const QString &theme)
 {
-    // The pristine table, so the region always opens with its own data.
     if (Status st = restoreThemeTable(home, theme); !st)
-        return st;
-
+        return st.error();
+    RegionTheme t;
+    t.shapefile = resolveCaseInsensitive(home.italia(), theme + QStringLiteral(".shp"));
     const QString ini = iniOf(home, theme);
-    std::optional<ThemeSettings> settings;
     if (QFileInfo(ini).isFile()) {
-        // The themes always come from the atlas home's own italia/ folder.
         auto loaded = loadThemeFile(ini, theme, ThemeLoadOptions{home.root(), true});
         if (!loaded)
             return loaded.error();
-        settings = loaded->settings;
+        t.settings = loaded->settings;
     }
+    return t;
+}
 
-    const QString shp = resolveCaseInsensitive(home.italia(), theme + QStringLiteral(".shp"));
-    auto layer = model.addShapefile(shp, theme);
+// Adds one theme with its settings, shown.
+Status addTheme(map::MapModel &model, const RegionTheme &theme, const QString &name, int position)
+{
+    auto layer = model.addShapefile(theme.shapefile, name);
     if (!layer)
         return layer.error();
-    if (settings)
-        applyThemeSettings(**layer, *settings);
+    if (theme.settings)
+        applyThemeSettings(**layer, *theme.settings);
+    (*layer)->visible = true;
     model.moveLayer(0, std::min(position, model.layerCount() - 1));
     return {};
 }
@@ -111,7 +115,7 @@ std::optional<map::MapRect> regionExtent(const map::MapModel &model, const Regio
 }
 
 Result<RegionSwitchResult> switchRegion(map::MapModel &model, const AtlasHome &home, const RegionEntry &region,
-                                        AppState &state)
+                                        AppState &state, const RegionThemeSource &source)
 {
     RegionSwitchResult result;
 
@@ -141,7 +145,10 @@ Result<RegionSwitchResult> switchRegion(map::MapModel &model, const AtlasHome &h
     // 3. Each from its pristine table, with its settings. Municipalities go
     // in first, so the communities lie over them.
     for (const QString &theme : regionThemes(region.code)) {
-        if (Status st = addTheme(model, home, theme, position); !st)
+        auto found = source ? source(theme) : fromHome(home, theme);
+        if (!found)
+            return found.error();
+        if (Status st = addTheme(model, *found, theme, position); !st)
             return st.error();
         result.added << theme;
     }
