@@ -125,7 +125,8 @@ Result<RegionSwitchResult> switchRegion(map::MapModel &model, const AtlasHome &h
         const QString name = model.layer(i).name;
         const QString upper = name.toUpper();
         if (upper.startsWith(QLatin1String("COMM")) || upper.startsWith(QLatin1String("CMON"))) {
-            if (Status st = RemoveLabels(model, name, iniOf(home, name)); !st)
+            // With a caller's own source nothing is recorded in supporto/.
+            if (Status st = RemoveLabels(model, name, source ? QString() : iniOf(home, name)); !st)
                 return st.error();
         }
     }

@@ -45,7 +45,8 @@ struct RegionTheme {
 // By default, as the region box does it, each theme's pristine table is first
 // copied back into italia/ and its working settings file in supporto/ is
 // applied. A caller that must leave the atlas home untouched (the
-// command-line renderer) gives its own source.
+// command-line renderer) gives its own source; the labels switchRegion
+// removes are then not recorded in supporto/ either.
 using RegionThemeSource = std::function<Result<RegionTheme>(const QString &theme)>;
 
 struct RegionSwitchResult {

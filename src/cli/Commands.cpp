@@ -128,7 +128,7 @@ int run(const QStringList &arguments)
             continue;
         const QStringList args = arguments.mid(2);
         if (args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"))) {
-            std::printf("Uso: mervola-cli %s\n\n%s", c.usage, c.help);
+            std::printf("Uso: mervola-cli %s\n%s%s", c.usage, c.help ? "\n" : "", c.help ? c.help : "");
             return kExitOk;
         }
         return c.fn(args);

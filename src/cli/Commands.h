@@ -14,7 +14,7 @@ struct Command {
     const char *name;
     const char *usage;  // one line, Italian, without "mervola-cli "
     CommandFn fn;
-    const char *help;  // what `mervola-cli NAME --help` prints under the usage line
+    const char *help = nullptr;  // printed by `mervola-cli NAME --help` under the usage line
 };
 
 enum ExitCode { kExitOk = 0, kExitFailed = 1, kExitUsage = 2 };
