@@ -36,7 +36,7 @@ private:
 QString atlasSourcesFolder(QStringList *searched = nullptr);
 
 // The path of `name` inside `dir`, matched case-insensitively against the
-// files present (the old program's file system ignored case). When nothing
+// files present (names written in settings and project files may differ in case). When nothing
 // matches, dir + "/" + name.
 QString resolveCaseInsensitive(const QString &dir, const QString &name);
 
