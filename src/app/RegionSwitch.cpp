@@ -4,6 +4,7 @@
 #include "app/ThemeStyle.h"
 #include "project/PristineSettings.h"
 #include "project/SettingsWriters.h"
+#include "platform/dbf/TableCheck.h"
 
 #include <QFileInfo>
 
@@ -35,8 +36,9 @@ int insertionIndex(const map::MapModel &model)
     return above;
 }
 
-// The region box's way: the pristine table back into italia/, the working
-// settings file of supporto/ (its WORKSPACE set to the home's italia/).
+// The region box's way: the pristine table back into italia/, so the region
+// always opens with its own data, and the working settings file of supporto/
+// (its WORKSPACE set to the home's own italia/ folder).
 Result<RegionTheme> fromHome(const AtlasHome &home, const QString &theme)
 {
     if (Status st = restoreThemeTable(home, theme); !st)
@@ -53,17 +55,72 @@ Result<RegionTheme> fromHome(const AtlasHome &home, const QString &theme)
     return t;
 }
 
-// Adds one theme with its settings, shown.
-Status addTheme(map::MapModel &model, const RegionTheme &theme, const QString &name, int position)
+// Reads one theme with its settings, ready to go on the map and shown.
+Result<map::MapLayer> readTheme(const AtlasHome &home, const QString &theme, const RegionThemeSource &source)
 {
-    auto layer = model.addShapefile(theme.shapefile, name);
+    auto found = source ? source(theme) : fromHome(home, theme);
+    if (!found)
+        return found.error();
+    map::MapModel scratch;
+    auto layer = scratch.addShapefile(found->shapefile, theme);
+    if (!layer && !source && layer.error().code == kDamagedFile && repairThemeTable(home, theme))
+        layer = scratch.addShapefile(found->shapefile, theme);
     if (!layer)
         return layer.error();
-    if (theme.settings)
-        applyThemeSettings(**layer, *theme.settings);
+    if (found->settings)
+        applyThemeSettings(**layer, *found->settings);
     (*layer)->visible = true;
-    model.moveLayer(0, std::min(position, model.layerCount() - 1));
-    return {};
+    return std::move(**layer);
+}
+
+// Steps 1 to 4 of a switch. The new themes are read completely before the
+// map is touched, so most failures leave it as it was.
+Result<RegionSwitchResult> switchSteps(map::MapModel &model, const AtlasHome &home, const RegionEntry &region,
+                                       AppState &state, const RegionThemeSource &source)
+{
+    RegionSwitchResult result;
+    std::vector<map::MapLayer> fresh;
+    for (const QString &theme : regionThemes(region.code)) {
+        auto layer = readTheme(home, theme, source);
+        if (!layer)
+            return layer.error();
+        fresh.push_back(std::move(*layer));
+    }
+
+    // 1. Labels of the mountain-community themes off, then every
+    // region-dependent theme off the map.
+    for (int i = 0; i < model.layerCount(); ++i) {
+        const QString name = model.layer(i).name;
+        const QString upper = name.toUpper();
+        if (upper.startsWith(QLatin1String("COMM")) || upper.startsWith(QLatin1String("CMON"))) {
+            // With a caller's own source nothing is recorded in supporto/.
+            if (Status st = RemoveLabels(model, name, source ? QString() : iniOf(home, name)); !st)
+                return st.error();
+        }
+    }
+    const int position = insertionIndex(model);
+    for (int i = model.layerCount() - 1; i >= 0; --i) {
+        if (isRegionLayer(model.layer(i).name)) {
+            result.removed.prepend(model.layer(i).name);
+            model.removeLayer(i);
+        }
+    }
+
+    // 2. The themes of the chosen region.
+    state.regionCode = region.code;
+    if (region.code == kAllItaly)
+        state.indicatorField = QStringLiteral("I000");
+
+    // 3. Municipalities go in first, so the communities lie over them.
+    for (map::MapLayer &layer : fresh) {
+        result.added << layer.name;
+        model.addLayer(std::move(layer));
+        model.moveLayer(0, std::min(position, model.layerCount() - 1));
+    }
+
+    // 4. Where to look.
+    result.extent = regionExtent(model, region);
+    return result;
 }
 
 }  // namespace
@@ -117,45 +174,16 @@ std::optional<map::MapRect> regionExtent(const map::MapModel &model, const Regio
 Result<RegionSwitchResult> switchRegion(map::MapModel &model, const AtlasHome &home, const RegionEntry &region,
                                         AppState &state, const RegionThemeSource &source)
 {
-    RegionSwitchResult result;
-
-    // 1. Labels of the mountain-community themes off, then every
-    // region-dependent theme off the map.
-    for (int i = 0; i < model.layerCount(); ++i) {
-        const QString name = model.layer(i).name;
-        const QString upper = name.toUpper();
-        if (upper.startsWith(QLatin1String("COMM")) || upper.startsWith(QLatin1String("CMON"))) {
-            // With a caller's own source nothing is recorded in supporto/.
-            if (Status st = RemoveLabels(model, name, source ? QString() : iniOf(home, name)); !st)
-                return st.error();
-        }
+    // A switch happens whole or not at all: on failure the map, the region
+    // code and the indicator are put back as they were.
+    const map::MapModel before = model;
+    const QString regionBefore = state.regionCode, indicatorBefore = state.indicatorField;
+    auto result = switchSteps(model, home, region, state, source);
+    if (!result) {
+        model = before;
+        state.regionCode = regionBefore;
+        state.indicatorField = indicatorBefore;
     }
-    const int position = insertionIndex(model);
-    for (int i = model.layerCount() - 1; i >= 0; --i) {
-        if (isRegionLayer(model.layer(i).name)) {
-            result.removed.prepend(model.layer(i).name);
-            model.removeLayer(i);
-        }
-    }
-
-    // 2. The themes of the chosen region.
-    state.regionCode = region.code;
-    if (region.code == kAllItaly)
-        state.indicatorField = QStringLiteral("I000");
-
-    // 3. Each from its pristine table, with its settings. Municipalities go
-    // in first, so the communities lie over them.
-    for (const QString &theme : regionThemes(region.code)) {
-        auto found = source ? source(theme) : fromHome(home, theme);
-        if (!found)
-            return found.error();
-        if (Status st = addTheme(model, *found, theme, position); !st)
-            return st.error();
-        result.added << theme;
-    }
-
-    // 4. Where to look.
-    result.extent = regionExtent(model, region);
     return result;
 }
 

@@ -58,9 +58,9 @@ struct RegionSwitchResult {
 // Switches the map to `region`. Updates the state's region code (and resets
 // the indicator field to "I000" for the whole country). The new themes are
 // shown even when their settings keep them hidden: a region is chosen to be
-// seen. Fails when a theme's table cannot be restored or its shapefile read;
-// the layers already removed stay removed and the ones added so far stay on
-// the map.
+// seen. Fails when a theme's table cannot be restored, its settings file
+// written or its shapefile read; the map, region code and indicator are then
+// exactly as before.
 Result<RegionSwitchResult> switchRegion(map::MapModel &model, const AtlasHome &home, const RegionEntry &region,
                                         AppState &state, const RegionThemeSource &source = {});
 

@@ -225,10 +225,8 @@ int cmdRender(const QStringList &args)
     Status loaded;
     if (!project.isEmpty()) {
         loaded = loadProjectView(project, home, model);
-        if (auto text = readTextFile(project)) {
-            if (auto parsed = parseProject(*text))
-                content = *parsed;
-        }
+        if (auto parsed = readProjectFile(project))
+            content = *parsed;
     } else {
         loaded = loadDefaultAtlas(home, model);
     }

@@ -4,10 +4,9 @@
 // the start-up time on stderr; --screenshot saves the main window as it is
 // then (both for timing and smoke tests).
 #include "app/AppState.h"
-#include "app/Startup.h"
+#include "app/ui/AppStart.h"
 #include "app/ui/AtlasPreparation.h"
 #include "app/ui/MainWindow.h"
-#include "app/ui/SplashWindow.h"
 #include "platform/AtlasHome.h"
 #include "platform/Messages.h"
 #include "platform/ui/MessageBoxPresenter.h"
@@ -108,39 +107,11 @@ int main(int argc, char **argv)
         return kExitCannotStart;
 
     AppState &state = appState();
-    state.splash = true;
-    SplashWindow splash(SplashWindow::Mode::StartUp);
-    splash.show();
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    QApplication::processEvents();
-
-    // Only one copy of the program may work on an atlas home at a time.
-    Startup startup(home, state);
-    const auto lock = startup.acquireInstanceLock();
-    if (!lock) {
-        QApplication::restoreOverrideCursor();
-        splash.hide();
-        showMessage(MsgStyle::Critical, StartupText::kAlreadyRunning);
-        return kExitCannotStart;
-    }
-    splash.startTimer(600);
-
-    MainWindow window(home, state);
+    AppStart start(home, state);
+    if (const auto code = start.begin())
+        return *code;  // 1: no lock or the load failed
+    MainWindow &window = *start.mainWindow();
     presenter.setParent(&window);
-    if (!window.load()) {
-        QApplication::restoreOverrideCursor();
-        return kExitCannotStart;
-    }
-    window.setEnabled(false);
-    auto showMain = [&] {
-        QApplication::restoreOverrideCursor();
-        window.setEnabled(true);
-        state.splash = false;
-        window.resize(1280, 860);
-        window.show();
-        splash.close();
-    };
-    QObject::connect(&splash, &SplashWindow::timedOut, &window, showMain);
     if (!screenshot.isEmpty()) {
         QObject::connect(&window, &MainWindow::firstMapPainted, &app, [&] {
             if (!window.grab().save(screenshot))

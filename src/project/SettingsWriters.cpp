@@ -5,6 +5,7 @@
 #include "project/ReferenceDb.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace mervola {
 
@@ -124,9 +125,22 @@ Status resetThemeFile(const QString &iniPath, const QString &themeName, bool vis
 
 Result<LoadedTheme> loadThemeFile(const QString &iniPath, const QString &themeName, const ThemeLoadOptions &options)
 {
+    // Nothing is written back unless the file could be read and names the
+    // theme's shapefile: a stripped copy would lose the user's settings.
+    auto text = readTextFile(iniPath);
+    if (!text || QFileInfo(iniPath).isDir())
+        return Error{SettingsText::kUnreadable.arg(QDir::toNativeSeparators(iniPath))};
+    const ProfileFile profile = ProfileFile::fromText(*text);
+    bool hasSection = false;
+    for (const QString &section : profile.sections())
+        hasSection = hasSection || section.compare(themeName.trimmed(), Qt::CaseInsensitive) == 0;
+    if (!hasSection)
+        return Error{SettingsText::kNoSection.arg(QDir::toNativeSeparators(iniPath), themeName)};
     LoadedTheme t;
-    t.settings = readThemeSettingsFile(iniPath, themeName);
+    t.settings = readThemeSettings(profile, themeName);
     ThemeSettings &s = t.settings;
+    if (s.shapefile.trimmed().isEmpty())
+        return Error{SettingsText::kNoBase.arg(QDir::toNativeSeparators(iniPath))};
     if (options.defaultProject) {
         // The default project always draws from the atlas home's own data.
         s.raw[size_t(ThemeKey::Workspace)] = options.home + QStringLiteral("/italia");

@@ -13,6 +13,15 @@ namespace mervola {
 
 class ReferenceDb;
 
+namespace SettingsText {
+// "%1" the settings file.
+inline const QString kUnreadable = QStringLiteral("Impossibile leggere il file delle impostazioni %1.");
+// "%1" the settings file, "%2" the theme.
+inline const QString kNoSection = QStringLiteral("Il file delle impostazioni %1 non contiene la sezione [%2].");
+inline const QString kNoBase =
+    QStringLiteral("Il file delle impostazioni %1 non indica lo shapefile del tema (chiave BASE).");
+}  // namespace SettingsText
+
 // What the writers need to know about a theme's map layer.
 struct LayerState {
     QString name;      // the layer's name as the map carries it
@@ -62,6 +71,8 @@ struct LoadedTheme {
 
 // Loads a theme from its file: reads the keys in file order and writes the
 // normalised copy (every key present, in the standard order) in its place.
+// A file that cannot be read, lacks the theme's section or names no
+// shapefile fails with a message naming it, and is left untouched.
 // The caller adds the layer and applies the returned settings to it.
 Result<LoadedTheme> loadThemeFile(const QString &iniPath, const QString &themeName, const ThemeLoadOptions &options);
 

@@ -166,6 +166,39 @@ private slots:
         QCOMPARE(render({QStringLiteral("--project"), m_dir.path() + QStringLiteral("/manca.rlx")},
                         m_dir.path() + QStringLiteral("/x.png"), &err),
                  1);
+
+        // A text file is no project, even one holding a project's lines.
+        const QString text = m_dir.path() + QStringLiteral("/progetto.txt");
+        QVERIFY(QFile::copy(m_home + QStringLiteral("/supporto/default.rlx"), text));
+        const QString out = m_dir.path() + QStringLiteral("/t.png");
+        QCOMPARE(render({QStringLiteral("--project"), text}, out, &err), 1);
+        QCOMPARE(err, QStringLiteral("mervola-cli: L'estensione del file di progetto non è corretta.\n"));
+        QVERIFY(!QFile::exists(out));
+    }
+
+    // A table cut short is named, never drawn in part.
+    void damagedTableIsRefused()
+    {
+        QTemporaryDir dir;
+        const QString home = dir.filePath(QStringLiteral("italia"));
+        QVERIFY(test::copyRealAtlas(home));
+        const QString dbf = home + QStringLiteral("/italia/comuni.dbf");
+        const QByteArray whole = test::readFile(dbf);
+        QVERIFY(test::writeFile(dbf, whole.left(whole.size() / 2)));
+        const QString out = dir.filePath(QStringLiteral("mappa.png"));
+        QString err;
+        QCOMPARE(test::runProgram(QStringLiteral(MERVOLA_CLI),
+                                  {QStringLiteral("render"), QStringLiteral("--home"), home, QStringLiteral("--out"), out},
+                                  nullptr, &err),
+                 1);
+        QCOMPARE(err, QStringLiteral("mervola-cli: Il file comuni.dbf è danneggiato: contiene 3.949 record completi su 7.899.\n"));
+        QVERIFY(!QFile::exists(out));
+        QCOMPARE(test::runProgram(QStringLiteral(MERVOLA_CLI),
+                                  {QStringLiteral("sql"), QStringLiteral("--folder"), home + QStringLiteral("/italia"),
+                                   QStringLiteral("SELECT COUNT(*) FROM comuni")},
+                                  nullptr, &err),
+                 1);
+        QVERIFY2(err.contains(QStringLiteral("Il file comuni.dbf è danneggiato")), qPrintable(err));
     }
 
     void everyRegionOfTheRealAtlasShowsOnlyItsOwnThemes()

@@ -53,6 +53,9 @@ public:
     // Saves the project through the save dialog; false when not saved.
     bool saveProjectInteractive();
     bool openProjectInteractive();
+    // Opens a project file with a progress window the user can cancel;
+    // false when it was not opened (the initial project is then shown).
+    bool openProject(const QString &path);
 
 signals:
     void firstMapPainted();
@@ -108,6 +111,9 @@ private:
     void addLabels();
     void removeLabels();
     void chooseRegion(int index);
+    // The region box set from the project's region, and the notices of its
+    // opening (tables repaired) shown.
+    void afterProjectLoaded(const QStringList &notices);
     bool runGuarded(const QString &key, const std::function<void()> &fn);
 
     AtlasHome m_home;

@@ -268,15 +268,7 @@ bool MainWindow::openProjectInteractive()
                                                       QStringLiteral("Progetto Mervola (*.rlx)"));
     if (path.isEmpty())
         return false;
-    const Status st = m_projects->open(path);
-    applyProjectSession(m_state, m_projects->session());
-    m_state.extentHistory.clear();
-    refreshLegend();
-    m_map->refresh();
-    updateCommandStates();
-    startScaleTimer();
-    m_state.projectModified = false;
-    return st.ok();
+    return openProject(path);
 }
 
 }  // namespace mervola

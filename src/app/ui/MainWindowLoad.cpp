@@ -7,6 +7,7 @@
 #include "platform/ui/LegendView.h"
 #include "map/ui/MapWidget.h"
 #include "app/ThemeStyle.h"
+#include "project/PristineSettings.h"
 #include "project/ProjectFile.h"
 #include "project/ReferenceDb.h"
 
@@ -42,16 +43,22 @@ bool MainWindow::load()
     startup.setRuntimeDefaults();
     if (auto st = startup.restorePristineState(); !st) {
         showMessage(MsgStyle::Critical, st.errorMessage());
-        return false;
+        // Without originali/ there is nothing to start from; a table or a
+        // settings file that could not be restored leaves its theme as it was.
+        if (st.error().code == kMissingFolder)
+            return false;
     }
     T("restore");
     startup.setScaleDefaults();
-    if (auto st = startup.restoreDefaultProject(*m_host); !st)
+    QStringList notices;
+    // Themes that cannot be shown are named here; the others are on the map.
+    if (auto st = startup.restoreDefaultProject(*m_host, {}, &notices); !st)
         showMessage(MsgStyle::Critical, st.errorMessage());
     T("project");
     m_map->refresh();
 
     fillRegionBox();
+    afterProjectLoaded(notices);
 
     // Aliases of the themes, read once for the legend.
     if (auto rows = ReferenceDb(m_home).query(QStringLiteral("SELECT ALIAS, NOMETEMAORIGINALE FROM ALIASTEMI"))) {

@@ -191,7 +191,11 @@ void MainWindow::chooseRegion(int index)
     const RegionEntry region{m_regions->itemText(index), m_regions->itemData(index).toString()};
     auto result = switchRegion(m_map->model(), m_home, region, m_state);
     if (!result) {
+        // Nothing changed: the box shows the region that is still on the map.
+        const QSignalBlocker block(m_regions);
+        m_regions->setCurrentIndex(std::max(0, m_regions->findData(m_state.regionCode)));
         showMessage(MsgStyle::Critical, result.errorMessage());
+        return;
     } else {
         // The project records which mountain-community table is on the map.
         m_state.communityTable = mountainTheme(region.code);
