@@ -7,7 +7,7 @@
 // the command states.
 
 #include "app/AppState.h"
-#include "app/Regions.h"
+#include "project/Regions.h"
 #include "platform/AtlasHome.h"
 #include "platform/Result.h"
 #include "map/MapModel.h"

@@ -1,6 +1,6 @@
 #include "app/Startup.h"
 
-#include "app/Regions.h"
+#include "project/Regions.h"
 #include "platform/Messages.h"
 #include "project/PristineSettings.h"
 

@@ -36,8 +36,9 @@ private:
 QString atlasSourcesFolder(QStringList *searched = nullptr);
 
 // The path of `name` inside `dir`, matched case-insensitively against the
-// files present (names written in settings and project files may differ in case). When nothing
-// matches, dir + "/" + name.
+// files present: names read from settings, project and region files are
+// matched without regard to case, so "\Supporto\" and "supporto" are the
+// same folder. When nothing matches, dir + "/" + name.
 QString resolveCaseInsensitive(const QString &dir, const QString &name);
 
 }  // namespace mervola

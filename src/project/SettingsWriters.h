@@ -34,14 +34,6 @@ struct LayerState {
     QString labelField;
 };
 
-// Lines of a new theme file for a layer just added to the map. The stored
-// join and joined fields are written when the caller has them.
-QStringList newThemeFileLines(const LayerState &layer, const std::optional<JoinFields> &join = std::nullopt,
-                              const std::optional<QStringList> &structJoin = std::nullopt);
-Status writeNewThemeFile(const QString &iniPath, const LayerState &layer,
-                         const std::optional<JoinFields> &join = std::nullopt,
-                         const std::optional<QStringList> &structJoin = std::nullopt);
-
 // Rewrites a theme's file after a join: JOIN from the LISTAJOIN row of
 // `shapefile` (every field "-1" when there is none), STRUCTJOIN from the
 // fields the join added, the classification reset because the table changed.
@@ -50,11 +42,6 @@ Result<QStringList> afterJoinLines(const ThemeSettings &old, const LayerState &l
                                    const QStringList &addedFields, const ReferenceDb &db);
 Status rewriteAfterJoin(const QString &iniPath, const LayerState &layer, const QString &shapefile,
                         const QStringList &addedFields, const ReferenceDb &db);
-
-// Resets a theme to the defaults of its name prefix, keeping JOIN, WORKSPACE,
-// BASE and (unless it is a single character) STRUCTJOIN.
-QStringList resetLines(const ThemeSettings &old, const QString &themeName, bool visible);
-Status resetThemeFile(const QString &iniPath, const QString &themeName, bool visible);
 
 struct ThemeLoadOptions {
     QString home;                 // the atlas home

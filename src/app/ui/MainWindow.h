@@ -76,9 +76,10 @@ private:
     void updateCommandStates();
     void setDividerTwips(double twips);
     double twipsPerPixel() const;
-    void saveView();
+    // Shows `r` and records the view left in the history; false (nothing
+    // recorded) when the view stays as it was.
+    bool moveView(const map::MapRect &r);
     void previousView();
-    void setMapExtent(const map::MapRect &r);
     void zoomFixed(double factor);
     // Zooms by `factor` keeping `anchor` under the cursor (mouse wheel).
     void zoomAt(QPointF anchor, double factor);
@@ -132,6 +133,7 @@ private:
     QHash<QString, QString> m_aliases;    // theme name (upper case) -> alias
     std::unique_ptr<MapModelHost> m_host;
     std::unique_ptr<ProjectFiles> m_projects;
+    map::MapRect m_panStart;  // the view a pan started from
     double m_lastValidScale = 0;
     double m_legendTwips = 3795;
     bool m_painted = false;

@@ -74,7 +74,7 @@ void MainWindow::openClassification(const QString &layerName)
     const QList<classify::CandidateField> fields =
         candidateFields(*layer->data, m_state.structure, ReferenceDb(m_home));
     if (fields.isEmpty()) {
-        showMessage(MsgStyle::Exclamation, QStringLiteral("Il tema non ha campi numerici da classificare."));
+        showMessage(MsgStyle::Exclamation, QStringLiteral("Il tema non ha campi da classificare."));
         return;
     }
     QString dbf = layer->data->sourcePath;
@@ -132,9 +132,9 @@ void MainWindow::showLegendMenu(const QString &layerName, const QPoint &globalPo
 void MainWindow::exportMap()
 {
     const Status st = runExportCommand(m_map->model(), m_map->extent(), m_map->size(),
-                                       [this](const QString &title, const QString &filter) {
+                                       [this](const QString &title, const QString &filter, QString *selected) {
                                            return QFileDialog::getSaveFileName(this, title, m_home.root(), filter,
-                                                                               nullptr,
+                                                                               selected,
                                                                                QFileDialog::DontConfirmOverwrite);
                                        });
     if (!st && !st.errorMessage().isEmpty())
@@ -156,7 +156,8 @@ void MainWindow::printMap()
     pageContent.dateText = QLocale(QLocale::Italian).toString(QDate::currentDate(), QStringLiteral("d MMMM yyyy"));
     pageContent.model = m_map->model();
     pageContent.extent = m_map->extent();
-    pageContent.legend = legendFromModel(pageContent.model, [this](const QString &n) { return aliasOf(n); });
+    // The page prints the legend exactly as the panel shows it.
+    pageContent.legend = m_legend->entries();
     openMapPrintPage(this, pageContent);
 }
 
@@ -203,10 +204,8 @@ void MainWindow::chooseRegion(int index)
         // files keep them hidden; their settings files say so too.
         for (const QString &name : result->added)
             storeVisibility(name, true);
-        if (result->extent) {
-            saveView();
-            setMapExtent(*result->extent);
-        }
+        if (result->extent)
+            moveView(*result->extent);
     }
     m_state.projectModified = true;
     refreshLegend();

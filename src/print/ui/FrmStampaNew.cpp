@@ -1,7 +1,6 @@
 #include "print/ui/FrmStampaNew.h"
 
 #include "platform/Messages.h"
-#include "platform/ui/LegendView.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -46,42 +45,6 @@ void preparePrinter(QPrinter &printer, const MapPageContent &pageContent)
 }
 
 }  // namespace
-
-QString defaultPageTitle(const QString &caption)
-{
-    const QString t = caption.trimmed();
-    return t.isEmpty() ? QStringLiteral("Mervola") : t;
-}
-
-std::vector<MapPageTheme> pageLegendFrom(const std::vector<LegendEntry> &entries)
-{
-    std::vector<MapPageTheme> out;
-    for (const LegendEntry &e : entries) {
-        MapPageTheme t;
-        t.alias = e.alias;
-        t.geometryKind = e.geometryKind;
-        t.fill = e.fill;
-        t.outline = e.outline;
-        t.outlined = e.outlined;
-        t.visible = e.visible;
-        for (const LegendClass &c : e.classes)
-            t.classes.push_back({c.fill, c.outline, c.label, c.count});
-        out.push_back(std::move(t));
-    }
-    return out;
-}
-
-MapPageContent mapPageContentFor(const map::MapModel &model, const map::MapRect &extent,
-                           const std::vector<LegendEntry> &entries, const QString &caption)
-{
-    MapPageContent pageContent;
-    pageContent.title = defaultPageTitle(caption);
-    pageContent.dateText = defaultDateText();
-    pageContent.model = model;
-    pageContent.extent = extent.isEmpty() ? model.extent() : extent;
-    pageContent.legend = entries.empty() ? legendFromModel(model) : pageLegendFrom(entries);
-    return pageContent;
-}
 
 FrmStampaNew::FrmStampaNew(MapPageContent pageContent, QWidget *parent)
     : QDialog(parent), m_content(std::move(pageContent)), m_previewPrinter(std::make_unique<QPrinter>(QPrinter::ScreenResolution))
