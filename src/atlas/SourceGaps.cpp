@@ -1,6 +1,6 @@
 #include "atlas/SourceGaps.h"
 
-#include "atlas/Regions.h"
+#include "project/Regions.h"
 
 #include <QLocale>
 #include <algorithm>
