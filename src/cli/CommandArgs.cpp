@@ -21,7 +21,13 @@ bool flag(const QStringList &args, const QString &name)
 int fail(const QString &message)
 {
     std::fprintf(stderr, "mervola-cli: %s\n", message.toUtf8().constData());
-    return 2;
+    return kExitFailed;
+}
+
+int usageError(const QString &message)
+{
+    std::fprintf(stderr, "mervola-cli: %s\n", message.toUtf8().constData());
+    return kExitUsage;
 }
 
 } // namespace mervola::cli
