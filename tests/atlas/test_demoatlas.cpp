@@ -70,11 +70,8 @@ private slots:
     {
         QVERIFY(m_dir.isValid());
         m_home = m_dir.filePath(QStringLiteral("atlante"));
-        QElapsedTimer timer;
-        timer.start();
         const Status s = atlas::buildDemoAtlas(m_home);
         QVERIFY2(s.ok(), qPrintable(s.errorMessage()));
-        QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
         QVERIFY(!QDir(m_home + QStringLiteral(".new-build")).exists());
     }
 
