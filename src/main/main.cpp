@@ -9,6 +9,8 @@
 #include "platform/AtlasHome.h"
 #include "platform/Messages.h"
 #include "platform/ui/MessageBoxPresenter.h"
+#include "platform/ui/ScreenFit.h"
+#include "platform/ui/Translations.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -24,6 +26,7 @@ int main(int argc, char **argv)
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Mervola"));
     QApplication::setOrganizationName(QStringLiteral("Mervola"));
+    installItalian();
     const QStringList args = QApplication::arguments();
     const int homeAt = int(args.indexOf(QStringLiteral("--home")));
     const QString homeArg = homeAt >= 0 && homeAt + 1 < args.size() ? args[homeAt + 1] : QString();
@@ -73,7 +76,7 @@ int main(int argc, char **argv)
         QApplication::restoreOverrideCursor();
         window.setEnabled(true);
         state.splash = false;
-        window.resize(1280, 860);
+        resizeWithinScreen(&window, QSize(1280, 860));
         window.show();
         splash.close();
     };

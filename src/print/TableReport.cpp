@@ -3,7 +3,6 @@
 
 #include "platform/Profile.h"
 #include "platform/SqlText.h"
-#include "platform/dbf/DbfFolder.h"
 #include "project/ReferenceDb.h"
 
 #include <QFile>
@@ -142,66 +141,56 @@ Status setReportOrientation(const AtlasHome &home, ReportOrientation orientation
     return swapInto(fresh, current);
 }
 
-Result<RowSet> readReportRows(DbfFolder &folder, const QString &table, const QStringList &fields, const QString &filter)
-{
-    QString list;
-    for (const QString &f : fields)
-        list += QLatin1Char(',') + bracket(f);
-    list = list.mid(1); // the leading comma
-    if (list.isEmpty())
-        list = QStringLiteral("*");
-    QString sql = QStringLiteral("Select ") + list + QStringLiteral(" from ") + bracket(table);
-    if (!filter.trimmed().isEmpty())
-        sql += QStringLiteral(" Where ") + filter;
-    auto rows = folder.query(sql);
-    if (!rows)
-        return rows.error();
-    if (fields.isEmpty())
-        for (auto &r : rows->rows)
-            r.clear();
-    return rows;
-}
-
-QString tempRptInsertStatement(const QStringList &fields, const std::vector<QVariant> &row)
+QString tempRptInsertStatement(const QStringList &fields, const QStringList &row)
 {
     QStringList names, values;
     for (int i = 0; i < fields.size(); ++i) {
         names << bracket(fields[i]);
-        const QVariant v = size_t(i) < row.size() ? row[size_t(i)] : QVariant();
-        values << (v.isNull() ? QStringLiteral("'-'") : sqlQuote(v.toString()));
+        const QString v = row.value(i);
+        values << (v.isEmpty() ? QStringLiteral("'-'") : sqlQuote(v));
     }
     return QStringLiteral("Insert into TempRpt (") + names.join(QLatin1Char(',')) + QStringLiteral(") Values (") +
            values.join(QLatin1Char(',')) + QStringLiteral(");");
 }
 
-Status fillTempRpt(const ReferenceDb &db, const QStringList &fields, const RowSet &rows)
+Status fillTempRpt(const ReferenceDb &db, const QStringList &fields, const std::vector<QStringList> &rows,
+                   const ReportProgress &progress)
 {
     QStringList columns;
     for (const QString &f : fields)
         columns << bracket(f) + QStringLiteral(" TEXT");
     if (columns.isEmpty())
         columns << QStringLiteral("DUMMY TEXT"); // a table needs one column; DUMMY is never printed
-    QStringList statements{QStringLiteral("DROP TABLE IF EXISTS TempRpt"), QStringLiteral("CREATE TABLE TempRpt (") +
-                                                                               columns.join(QStringLiteral(", ")) +
-                                                                               QLatin1Char(')')};
-    if (!fields.isEmpty())
-        for (const auto &r : rows.rows)
-            statements << tempRptInsertStatement(fields, r);
-    if (Status s = db.executeAll(statements); !s)
-        return Error{reporttext::kCloseReferenceDb, s.error().code};
+    QStringList statements{QStringLiteral("DROP TABLE IF EXISTS TempRpt"),
+                           QStringLiteral("CREATE TABLE TempRpt (") + columns.join(QStringLiteral(", ")) +
+                               QLatin1Char(')')};
+    // The rows go in by chunks, each in one transaction, so that a long
+    // table shows its progress and can be stopped.
+    constexpr size_t kChunk = 1000;
+    const int total = int(rows.size());
+    size_t next = 0;
+    do {
+        const size_t end = fields.isEmpty() ? rows.size() : std::min(rows.size(), next + kChunk);
+        if (!fields.isEmpty())
+            for (size_t r = next; r < end; ++r)
+                statements << tempRptInsertStatement(fields, rows[r]);
+        if (Status s = db.executeAll(statements); !s)
+            return Error{reporttext::kCloseReferenceDb, s.error().code};
+        statements.clear();
+        next = end;
+        if (progress && !progress(int(next), total))
+            return Error{reporttext::kCancelled};
+    } while (next < rows.size());
     return {};
 }
 
-Status prepareTableReport(const AtlasHome &home, DbfFolder &folder, const QString &table,
-                          const QList<ReportColumn> &columns, const QString &filter)
+Status prepareTableReport(const AtlasHome &home, const QList<ReportColumn> &columns,
+                          const std::vector<QStringList> &rows, const ReportProgress &progress)
 {
     QStringList fields;
     for (const ReportColumn &c : columns)
         fields << c.field;
-    auto rows = readReportRows(folder, table, fields, filter);
-    if (!rows)
-        return rows.error();
-    if (Status s = fillTempRpt(ReferenceDb(home), fields, *rows); !s)
+    if (Status s = fillTempRpt(ReferenceDb(home), fields, rows, progress); !s)
         return s;
     return writeReportDefinition(home, columns);
 }

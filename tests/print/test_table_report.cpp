@@ -2,8 +2,6 @@
 // pages painted from them.
 #include "platform/Profile.h"
 #include "platform/Sqlite.h"
-#include "platform/dbf/DbfFolder.h"
-#include "platform/dbf/DbfTable.h"
 #include "print/ReportDocument.h"
 #include "print/TableReport.h"
 #include "project/ReferenceDb.h"
@@ -16,7 +14,8 @@ using namespace mervola;
 namespace
 {
 
-// An atlas home with the reference database, a style file and a municipality table.
+// An atlas home with the reference database and a style file; the rows of
+// a municipality table as the attribute window hands them over.
 struct Home {
     QTemporaryDir dir;
     AtlasHome home{dir.path()};
@@ -29,17 +28,12 @@ struct Home {
             qFatal("schema");
         test::writeFile(home.supporto() + QStringLiteral("/stili.ini"),
                         "[Style Detail]\nFont = Arial\nSize = 9\n[Style Header]\nBold = True\nBackColor = 14474460\n");
-        DbfTable t;
-        t.fields = {{QStringLiteral("LABEL"), DbfType::Text, 40, 0},
-                    {QStringLiteral("PROV"), DbfType::Text, 4, 0},
-                    {QStringLiteral("I001"), DbfType::Numeric, 10, 2}};
-        t.rows.push_back({QStringLiteral("Sant'Elia a Pianisi"), QVariant(), 7.25});
-        t.rows.push_back({QStringLiteral("Aosta"), QStringLiteral("AO"), 3.5});
-        if (!writeDbf(home.italia() + QStringLiteral("/comuni.dbf"), t).ok())
-            qFatal("dbf");
     }
     QStringList vrdLines() const { return splitLines(QString::fromUtf8(test::readFile(reportDefinitionPath(home)))); }
 };
+
+const std::vector<QStringList> kRows{{QStringLiteral("Sant'Elia a Pianisi"), QString(), QStringLiteral("7,25")},
+                                     {QStringLiteral("Aosta"), QStringLiteral("AO"), QStringLiteral("3,5")}};
 
 QList<ReportColumn> columns(int n)
 {
@@ -155,16 +149,13 @@ private slots:
     void workTableHoldsTextAndDashes()
     {
         Home h;
-        DbfFolder folder(h.home.italia());
-        QVERIFY(prepareTableReport(h.home, folder, QStringLiteral("comuni"), columns(3)).ok());
+        QVERIFY(prepareTableReport(h.home, columns(3), kRows).ok());
         auto doc = ReportDocument::load(h.home);
         QVERIFY2(doc.ok(), qPrintable(doc.errorMessage()));
         QCOMPARE(doc->rows().size(), size_t(2));
-        QCOMPARE(doc->rows()[0], (QStringList{"Sant'Elia a Pianisi", "-", "7.25"}));
-        // Printing again with fewer columns and a filter replaces everything.
-        QVERIFY(
-            prepareTableReport(h.home, folder, QStringLiteral("comuni"), columns(1), QStringLiteral("[PROV] = 'AO'"))
-                .ok());
+        QCOMPARE(doc->rows()[0], (QStringList{"Sant'Elia a Pianisi", "-", "7,25"}));
+        // Printing again with fewer columns and rows replaces everything.
+        QVERIFY(prepareTableReport(h.home, columns(1), {QStringList{QStringLiteral("Aosta")}}).ok());
         auto again = ReportDocument::load(h.home);
         QVERIFY(again.ok());
         QCOMPARE(again->rows().size(), size_t(1));
@@ -180,9 +171,7 @@ private slots:
         auto holder = SqliteDb::open(h.home.referenceDb());
         QVERIFY(holder.ok());
         QVERIFY(holder->exec(QStringLiteral("BEGIN EXCLUSIVE")).ok());
-        RowSet rows;
-        rows.rows.push_back({QStringLiteral("x")});
-        const Status s = fillTempRpt(ReferenceDb(h.home), {QStringLiteral("LABEL")}, rows);
+        const Status s = fillTempRpt(ReferenceDb(h.home), {QStringLiteral("LABEL")}, {QStringList{"x"}});
         QVERIFY(!s.ok());
         QCOMPARE(s.errorMessage(), reporttext::kCloseReferenceDb);
         QVERIFY(holder->exec(QStringLiteral("ROLLBACK")).ok());
@@ -236,8 +225,7 @@ private slots:
     void pdfIsWritten()
     {
         Home h;
-        DbfFolder folder(h.home.italia());
-        QVERIFY(prepareTableReport(h.home, folder, QStringLiteral("comuni"), columns(3)).ok());
+        QVERIFY(prepareTableReport(h.home, columns(3), kRows).ok());
         QVERIFY(setReportOrientation(h.home, ReportOrientation::Landscape).ok());
         auto doc = ReportDocument::load(h.home);
         QVERIFY(doc.ok());

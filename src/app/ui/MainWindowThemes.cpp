@@ -11,8 +11,10 @@
 #include "app/ui/MainWindow.h"
 #include "classify/ColumnReader.h"
 #include "platform/Messages.h"
+#include "platform/ui/LastFolder.h"
 #include "platform/ui/LegendView.h"
 #include "map/ui/MapWidget.h"
+#include "data/AttributeTableCatalog.h"
 #include "data/Search.h"
 #include "data/ui/FrmInfor.h"
 #include "data/ui/FrmSearch.h"
@@ -133,9 +135,11 @@ void MainWindow::exportMap()
 {
     const Status st = runExportCommand(m_map->model(), m_map->extent(), m_map->size(),
                                        [this](const QString &title, const QString &filter) {
-                                           return QFileDialog::getSaveFileName(this, title, m_home.root(), filter,
-                                                                               nullptr,
-                                                                               QFileDialog::DontConfirmOverwrite);
+                                           const QString path = QFileDialog::getSaveFileName(
+                                               this, title, lastUsedFolder(m_home.root()), filter, nullptr,
+                                               QFileDialog::DontConfirmOverwrite);
+                                           rememberFolderOf(path);
+                                           return path;
                                        });
     if (!st && !st.errorMessage().isEmpty())
         showMessage(MsgStyle::Critical, st.errorMessage());
@@ -165,7 +169,7 @@ void MainWindow::addLabels()
     const QString name = m_legend->activeLayerName();
     if (name.isEmpty())
         return;
-    if (runLabelCommand(this, m_map->model(), m_home, m_state, name)) {
+    if (runLabelCommand(this, m_map->model(), m_home, m_state, name, aliasOf(name))) {
         m_state.projectModified = true;
         m_map->refresh();
         updateCommandStates();
@@ -188,6 +192,7 @@ void MainWindow::removeLabels()
 
 void MainWindow::chooseRegion(int index)
 {
+    m_loadedRegion = index;
     const RegionEntry region{m_regions->itemText(index), m_regions->itemData(index).toString()};
     auto result = switchRegion(m_map->model(), m_home, region, m_state);
     if (!result) {
@@ -260,11 +265,17 @@ void MainWindow::searchElement()
 void MainWindow::showElementInfo(QPointF mapPoint)
 {
     const double tolerance = 3 * m_map->extent().width() / std::max(1, m_map->width());
-    const StructureTable &structure = m_state.structure;
+    const ReferenceDb db(m_home);
+    // The community and municipality layers name their fields by the
+    // indicators' descriptions; the other layers show the field names.
+    auto read = IndicatorCatalog::read(db, m_state.structure);
+    const IndicatorCatalog catalog = read ? std::move(*read) : IndicatorCatalog{};
     QList<FoundElement> found =
-        collectElements(m_map->model(), mapPoint, tolerance, [&structure](const QString &, const QString &field) {
-            const StructureRow *row = structure.findByLabel(field);
-            return row ? row->alias : QString();
+        collectElements(m_map->model(), mapPoint, tolerance, [&catalog](const QString &theme, const QString &field) {
+            if (!isCommunityLayer(theme) && !isMunicipalityLayer(theme))
+                return QString();
+            const QString d = catalog.description(field, kBaseCategoryCode);
+            return d == kNoMatch ? QString() : d;
         });
     if (found.isEmpty()) {
         statusBar()->showMessage(QStringLiteral("Nessun elemento nel punto indicato."), 3000);
@@ -272,7 +283,6 @@ void MainWindow::showElementInfo(QPointF mapPoint)
     }
     for (FoundElement &e : found)
         e.title = aliasOf(e.theme);
-    const ReferenceDb db(m_home);
     QStringList categories;
     if (auto rows = db.query(QStringLiteral("SELECT * FROM CATEGORIE ORDER BY [Codice Categoria]")))
         for (const auto &r : rows->rows)

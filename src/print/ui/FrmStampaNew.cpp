@@ -1,6 +1,8 @@
 #include "print/ui/FrmStampaNew.h"
 
 #include "platform/Messages.h"
+#include "platform/ui/LastFolder.h"
+#include "platform/ui/ScreenFit.h"
 #include "platform/ui/LegendView.h"
 
 #include <QDir>
@@ -106,7 +108,7 @@ FrmStampaNew::FrmStampaNew(MapPageContent pageContent, QWidget *parent)
 
     buildControls();
     writeControls();
-    resize(1100, 780);
+    resizeWithinScreen(this, QSize(1100, 780));
 }
 
 FrmStampaNew::~FrmStampaNew() = default;
@@ -302,10 +304,11 @@ void FrmStampaNew::cmdSalvaPdf_Click()
     if (name.isEmpty())
         name = QStringLiteral("mappa");
     QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Salva la mappa in PDF"),
-                                                QDir::home().filePath(name + QStringLiteral(".pdf")),
+                                                QDir(lastUsedFolder(QDir::homePath())).filePath(name + QStringLiteral(".pdf")),
                                                 QStringLiteral("Documenti PDF (*.pdf)"));
     if (path.isEmpty())
         return;
+    rememberFolderOf(path);
     if (!path.endsWith(QStringLiteral(".pdf"), Qt::CaseInsensitive))
         path += QStringLiteral(".pdf");
     const Status s = savePdfTo(path);
