@@ -167,12 +167,12 @@ private slots:
         QVERIFY(!t->column(2).visible);                                 // DUMMY
         t->setUpColumns(catalog, QStringLiteral("01"));
         QVERIFY(t->column(1).visible);
-        QVERIFY(!t->column(3).visible);
-        QVERIFY(!t->column(0).visible);
+        QVERIFY(!t->column(3).visible);  // an indicator of another category
+        QVERIFY(t->column(0).visible);   // base information, though no structure row names it
         t->setUpColumns(catalog, QStringLiteral("02"));
         QVERIFY(t->column(3).visible);
         QVERIFY(!t->column(2).visible);
-        QCOMPARE(t->state(3, {1}, QStringLiteral("Tabella x")).visibleFields, (QStringList{"Label", "I010"}));
+        QCOMPARE(t->state(3, {1}, QStringLiteral("Tabella x")).visibleFields, (QStringList{"PROG_MONT", "Label", "I010"}));
     }
 };
 

@@ -179,6 +179,23 @@ FrmDbf::FrmDbf(AttributeTableHost &host, DbfWindowSource source, QWidget *parent
 
 FrmDbf::~FrmDbf() = default;
 
+void FrmDbf::buildToolbar()
+{
+    m_toolbar = new QToolBar(this);
+    m_toolbar->setObjectName(QStringLiteral("ToolbarDbf"));
+    m_toolbar->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    for (const ToolDef &t : kTools) {
+        const QString key = QString::fromLatin1(t.key);
+        QAction *a = m_toolbar->addAction(style()->standardIcon(t.icon), QString::fromUtf8(t.tip));
+        a->setObjectName(key);
+        a->setToolTip(QString::fromUtf8(t.tip));
+        connect(a, &QAction::triggered, this, [this, key] { runCommand(key); });
+        m_actions.insert(key, a);
+    }
+    for (const char *key : {"sortAsc", "sortDec", "statistiche"})
+        m_actions.value(QString::fromLatin1(key))->setEnabled(false);
+}
+
 void FrmDbf::buildGrid()
 {
     m_grid = new QTableView(this);
