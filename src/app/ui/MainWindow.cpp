@@ -182,12 +182,18 @@ void MainWindow::buildCoolBar()
     sl->addWidget(lblScala);
     sl->addWidget(m_scale);
 
-    auto *spacer = new QWidget(this);
+    // The region and scale boxes are a band of their own, beside the
+    // buttons on a wide window and below them on a narrow one.
+    m_viewBar = new QToolBar(this);
+    m_viewBar->setObjectName(QStringLiteral("colRegioniScala"));
+    m_viewBar->setMovable(false);
+    auto *spacer = new QWidget(m_viewBar);
     spacer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    m_toolbar->addWidget(fraRegioni);
-    m_toolbar->addWidget(spacer);
-    m_toolbar->addWidget(fraScala);
+    m_viewBar->addWidget(fraRegioni);
+    m_viewBar->addWidget(spacer);
+    m_viewBar->addWidget(fraScala);
     addToolBar(Qt::TopToolBarArea, m_toolbar);
+    addToolBar(Qt::TopToolBarArea, m_viewBar);
 
     // The map tools in the menu too, so that they work without a mouse.
     if (QMenu *view = menuBar()->findChild<QMenu *>(QStringLiteral("mnuVisualizza"))) {
@@ -302,6 +308,14 @@ void MainWindow::resizeEvent(QResizeEvent *event)
     QMainWindow::resizeEvent(event);
     if (isMinimized())
         return;
+    const bool narrow = width() < m_toolbar->sizeHint().width() + m_viewBar->sizeHint().width() + 16;
+    if (narrow != m_bandsBroken) {
+        m_bandsBroken = narrow;
+        if (narrow)
+            insertToolBarBreak(m_viewBar);
+        else
+            removeToolBarBreak(m_viewBar);
+    }
     startScaleTimer();
     // A window manager may settle the size in several steps: the scale is
     // checked once more a second after the last one.

@@ -130,6 +130,8 @@ private:
     QLineEdit *m_scale = nullptr;
     QLabel *m_coord = nullptr;
     QToolBar *m_toolbar = nullptr;
+    QToolBar *m_viewBar = nullptr;  // region and scale boxes
+    bool m_bandsBroken = false;     // the boxes sit below the buttons
     QTimer *m_scaleTimer = nullptr;
     QTimer *m_resizeTimer = nullptr;
     QTimer *m_tipTimer = nullptr;

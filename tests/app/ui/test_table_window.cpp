@@ -262,7 +262,7 @@ private slots:
                 auto *dialog = static_cast<QFileDialog *>(w);
                 dialog->setDirectory(folder);
                 dialog->selectFile(QStringLiteral("piemonte"));  // no extension
-                dialog->accept();
+                QMetaObject::invokeMethod(dialog, "accept");
             });
             preview->findChild<QAction *>(QStringLiteral("pdf"))->trigger();
             test::onModal("QFileDialog", [&](QWidget *w) {
