@@ -7,6 +7,7 @@
 #include <QChart>
 #include <QChartView>
 #include <QComboBox>
+#include <QLabel>
 #include <QPieSeries>
 #include <QPrinterInfo>
 #include <QPushButton>
@@ -94,7 +95,7 @@ private slots:
         QVERIFY(stats);
         QCOMPARE(stats->windowTitle(), QStringLiteral("Statistiche su TABELLA COMUNITÀ MONTANE"));
         QCOMPARE(stats->grid()->item(0, 1)->text(), QStringLiteral("3")); // the filter holds
-        QCOMPARE(stats->grid()->toolTip(), QStringLiteral("Superficie"));
+        QCOMPARE(stats->findChild<QLabel *>(QStringLiteral("lblColonna"))->text(), QStringLiteral("Colonna: Superficie"));
 
         std::unique_ptr<FrmGrafico> chart(openChartFor(nullptr, state, QStringLiteral("I001"), 0, false));
         QVERIFY(chart);
