@@ -6,6 +6,7 @@
 #include "app/Startup.h"
 #include "app/ui/MainWindow.h"
 #include "app/ui/SplashWindow.h"
+#include "platform/Allocator.h"
 #include "platform/AtlasHome.h"
 #include "platform/Messages.h"
 #include "platform/ui/MessageBoxPresenter.h"
@@ -23,6 +24,7 @@ int main(int argc, char **argv)
 {
     QElapsedTimer clock;
     clock.start();
+    keepFreedMemoryForReuse();
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Mervola"));
     QApplication::setOrganizationName(QStringLiteral("Mervola"));

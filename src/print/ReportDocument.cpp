@@ -3,6 +3,7 @@
 
 #include "platform/Profile.h"
 #include "platform/Sqlite.h"
+#include "print/GlyphSetter.h"
 
 #include <QFileInfo>
 #include <QFontMetricsF>
@@ -344,6 +345,8 @@ void ReportDocument::layout() const
     if (!band.empty() || m_bands.empty())
         m_bands.push_back(band);
 
+    m_headGlyphs = std::make_shared<GlyphSetter>(fontFor(QStringLiteral("Header")));
+    m_detailGlyphs = std::make_shared<GlyphSetter>(fontFor(QStringLiteral("Detail")));
     const QFontMetricsF detail(fontFor(QStringLiteral("Detail")));
     const QFontMetricsF head(fontFor(QStringLiteral("Header")));
     const QStringList heads = titles();
@@ -459,7 +462,7 @@ void ReportDocument::paintPage(QPainter &p, int pageIndex) const
     for (int c : columns)
         width += m_widths[size_t(c)];
     auto row = [&](const QStringList &cells, const float *measured, double h, const ReportStyle &style,
-                   const QFont &font) {
+                   const QFont &font, GlyphSetter &glyphs) {
         if (style.back.isValid())
             p.fillRect(QRectF(body.left(), y, width, h), style.back);
         p.setFont(font);
@@ -471,7 +474,9 @@ void ReportDocument::paintPage(QPainter &p, int pageIndex) const
                 const QString &text = cells[c];
                 const double w = measured ? measured[c] * m_scale : fm.horizontalAdvance(text);
                 if (w <= inner) {
-                    p.drawText(QPointF(x + kCellPad, y + kCellPad / 2 + fm.ascent()), text);
+                    const QPointF origin(x + kCellPad, y + kCellPad / 2 + fm.ascent());
+                    if (!glyphs.add(text, origin))
+                        p.drawText(origin, text);
                 } else if (m_def.wordWrap && text.contains(QLatin1Char(' '))) {
                     p.drawText(QRectF(x + kCellPad, y + kCellPad / 2, inner, h - kCellPad),
                                int(Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap), text);
@@ -483,17 +488,20 @@ void ReportDocument::paintPage(QPainter &p, int pageIndex) const
             }
             x += m_widths[size_t(c)];
         }
+        glyphs.flush(p);
         p.setPen(QPen(QColor(160, 160, 160), 10));
         p.drawLine(QPointF(body.left(), y + h), QPointF(body.left() + width, y + h));
         p.setPen(Qt::black);
         y += h;
     };
     if (!columns.empty()) {
-        row(titles(), nullptr, m_titleHeight, m_def.style(QStringLiteral("Header")), fontFor(QStringLiteral("Header")));
+        row(titles(), nullptr, m_titleHeight, m_def.style(QStringLiteral("Header")), fontFor(QStringLiteral("Header")),
+            *m_headGlyphs);
         const ReportStyle plain = m_def.style(QStringLiteral("Detail"));
         const QFont detail = fontFor(QStringLiteral("Detail"));
         for (int i = page.first; i < page.first + page.count; ++i)
-            row(m_rows[size_t(i)], m_cellWidths.data() + size_t(i) * n, m_heights[size_t(i)], plain, detail);
+            row(m_rows[size_t(i)], m_cellWidths.data() + size_t(i) * n, m_heights[size_t(i)], plain, detail,
+                *m_detailGlyphs);
     }
     p.restore();
 }
@@ -590,9 +598,9 @@ Status turnWideReport(const AtlasHome &home)
         return doc.error();
     if (doc->bandCount() < 2 || doc->definition().orientation == ReportOrientation::Landscape)
         return {};
-    ReportDefinition turned = doc->definition();
-    turned.orientation = ReportOrientation::Landscape;
-    if (ReportDocument(turned, doc->rows()).bandCount() >= doc->bandCount())
+    ReportDocument turned = *doc;
+    turned.setOrientation(ReportOrientation::Landscape);
+    if (turned.bandCount() >= doc->bandCount())
         return {};
     return setReportOrientation(home, ReportOrientation::Landscape);
 }

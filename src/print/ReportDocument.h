@@ -13,12 +13,15 @@
 #include <QFont>
 #include <QMap>
 #include <QSizeF>
+#include <memory>
 
 class QPainter;
 class QPagedPaintDevice;
 
 namespace mervola
 {
+
+class GlyphSetter;
 
 struct ReportStyle {
     QString font = QStringLiteral("Arial");
@@ -78,6 +81,12 @@ public:
         m_pages.clear();
     }
     QSizeF pageSizeTwips() const;
+    // Turns the pages; the text widths already measured stay valid.
+    void setOrientation(ReportOrientation orientation)
+    {
+        m_def.orientation = orientation;
+        m_pages.clear();
+    }
 
     int pageCount() const;
     // Columns never cut a value: when the table is wider than the page the
@@ -124,6 +133,8 @@ private:
     // Measured once at full size: text width of every cell, row by row.
     mutable std::vector<float> m_cellWidths;
     mutable std::vector<double> m_naturalWidths; // per column, text only
+    // The cells' text set at the laid-out size, title row and detail rows.
+    mutable std::shared_ptr<GlyphSetter> m_headGlyphs, m_detailGlyphs;
 };
 
 // Turns the report of a home to landscape when its columns need fewer

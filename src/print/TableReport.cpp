@@ -141,47 +141,67 @@ Status setReportOrientation(const AtlasHome &home, ReportOrientation orientation
     return swapInto(fresh, current);
 }
 
-QString tempRptInsertStatement(const QStringList &fields, const QStringList &row)
-{
-    QStringList names, values;
-    for (int i = 0; i < fields.size(); ++i) {
-        names << bracket(fields[i]);
-        const QString v = row.value(i);
-        values << (v.isEmpty() ? QStringLiteral("'-'") : sqlQuote(v));
-    }
-    return QStringLiteral("Insert into TempRpt (") + names.join(QLatin1Char(',')) + QStringLiteral(") Values (") +
-           values.join(QLatin1Char(',')) + QStringLiteral(");");
-}
-
 Status fillTempRpt(const ReferenceDb &db, const QStringList &fields, const std::vector<QStringList> &rows,
                    const ReportProgress &progress)
 {
-    QStringList columns;
-    for (const QString &f : fields)
-        columns << bracket(f) + QStringLiteral(" TEXT");
+    QStringList columns, names, values;
+    for (int i = 0; i < fields.size(); ++i) {
+        columns << bracket(fields[i]) + QStringLiteral(" TEXT");
+        names << bracket(fields[i]);
+        values << QLatin1Char('?') + QString::number(i + 1);
+    }
     if (columns.isEmpty())
         columns << QStringLiteral("DUMMY TEXT"); // a table needs one column; DUMMY is never printed
-    QStringList statements{QStringLiteral("DROP TABLE IF EXISTS TempRpt"),
-                           QStringLiteral("CREATE TABLE TempRpt (") + columns.join(QStringLiteral(", ")) +
-                               QLatin1Char(')')};
-    // The rows go in by chunks, each in one transaction, so that a long
-    // table shows its progress and can be stopped.
+    auto conn = db.open();
+    if (!conn)
+        return Error{reporttext::kCloseReferenceDb, conn.error().code};
+    auto failed = [&conn](const Status &s) {
+        (void)conn->rollback();
+        return Status(Error{reporttext::kCloseReferenceDb, s.error().code});
+    };
+    if (Status s = conn->begin(); !s)
+        return failed(s);
+    for (const QString &sql : {QStringLiteral("DROP TABLE IF EXISTS TempRpt"),
+                               QStringLiteral("CREATE TABLE TempRpt (") + columns.join(QStringLiteral(", ")) +
+                                   QLatin1Char(')')})
+        if (Status s = conn->exec(ReferenceDb::toSqlite(sql)); !s)
+            return failed(s);
+    // One insert statement, prepared once; every value goes in as text, an
+    // empty value (a null in the table) as "-". The rows go in by chunks,
+    // each in one transaction, so that a long table shows its progress and
+    // can be stopped.
+    const QString insert = ReferenceDb::toSqlite(QStringLiteral("Insert into TempRpt (") +
+                                                 names.join(QLatin1Char(',')) + QStringLiteral(") Values (") +
+                                                 values.join(QLatin1Char(',')) + QStringLiteral(");"));
     constexpr size_t kChunk = 1000;
     const int total = int(rows.size());
     size_t next = 0;
-    do {
+    while (true) {
         const size_t end = fields.isEmpty() ? rows.size() : std::min(rows.size(), next + kChunk);
-        if (!fields.isEmpty())
-            for (size_t r = next; r < end; ++r)
-                statements << tempRptInsertStatement(fields, rows[r]);
-        if (Status s = db.executeAll(statements); !s)
-            return Error{reporttext::kCloseReferenceDb, s.error().code};
-        statements.clear();
+        if (!fields.isEmpty()) {
+            const Status s = conn->runEach(insert, end - next, [&](size_t i) {
+                const QStringList &row = rows[next + i];
+                QVariantList params;
+                params.reserve(fields.size());
+                for (int f = 0; f < fields.size(); ++f) {
+                    const QString v = row.value(f);
+                    params << (v.isEmpty() ? QStringLiteral("-") : v);
+                }
+                return params;
+            });
+            if (!s)
+                return failed(s);
+        }
+        if (Status s = conn->commit(); !s)
+            return failed(s);
         next = end;
         if (progress && !progress(int(next), total))
             return Error{reporttext::kCancelled};
-    } while (next < rows.size());
-    return {};
+        if (next >= rows.size())
+            return {};
+        if (Status s = conn->begin(); !s)
+            return failed(s);
+    }
 }
 
 Status prepareTableReport(const AtlasHome &home, const QList<ReportColumn> &columns,

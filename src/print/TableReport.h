@@ -66,10 +66,6 @@ Status setReportOrientation(const AtlasHome &home, ReportOrientation orientation
 // Called with the work done so far and the whole; returns false to stop.
 using ReportProgress = std::function<bool(int done, int total)>;
 
-// The statement that inserts one row: values quoted, an empty value (a null
-// in the table) as '-'.
-QString tempRptInsertStatement(const QStringList &fields, const QStringList &row);
-
 // Recreates TempRpt with one text column per field and inserts the rows,
 // in their order. When the reference database cannot be changed the error
 // is reporttext::kCloseReferenceDb; a stop asked by `progress` is
