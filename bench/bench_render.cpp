@@ -3,6 +3,7 @@
 // communities and regions over them, at 1600 x 1200.
 //
 //   MERVOLA_BENCH_HOME=/path/to/atlas-home ./bench_render
+#include "classify/ColorRamp.h"
 #include "map/MapRenderer.h"
 
 #include <QGuiApplication>
@@ -50,8 +51,10 @@ const MapModel &italyModel()
                 std::vector<ClassRange> classes;
                 for (int i = 1; i <= 20; ++i)
                     classes.push_back({double(i - 1), double(i), QString(), 0, 0x02000000});
+                const auto colors = mervola::classify::rampColors(65535, 8519693, int(classes.size()));
+                for (std::size_t i = 0; i < classes.size(); ++i)
+                    classes[i].color = colors[i];
                 auto r = ClassBreaksRenderer::fromClasses(numericField(*d), classes);
-                r.rampColors(65535, 8519693);
                 l.renderer = r;
             } else if (l.name == QLatin1String("commont")) {
                 Symbol s;

@@ -4,6 +4,7 @@
 #include "map/MapExport.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
 
 namespace mervola {
 
@@ -31,6 +32,13 @@ QString toQtFileFilter(const QString &commonDialogFilter)
     return entries.join(QStringLiteral(";;"));
 }
 
+QString filterExtension(const QString &filterEntry)
+{
+    static const QRegularExpression pattern(QStringLiteral("\\(\\*(\\.[A-Za-z0-9]+)\\)\\s*$"));
+    const QRegularExpressionMatch m = pattern.match(filterEntry);
+    return m.hasMatch() ? m.captured(1).toLower() : QString();
+}
+
 QString overwriteQuestion(const QString &fileName)
 {
     return QStringLiteral("Il file ") + fileName + QStringLiteral(" è già esistente. Sostituire il file?");
@@ -41,11 +49,14 @@ Status runExportCommand(const map::MapModel &model, const map::MapRect &extent, 
 {
     if (!chooseFile)
         return {};
-    QString path = chooseFile(ExportTexts::kTitle, toQtFileFilter(exportFilter()));
+    QString selected;
+    QString path = chooseFile(ExportTexts::kTitle, toQtFileFilter(exportFilter()), &selected);
     if (path.isEmpty())
         return {};
-    if (QFileInfo(path).suffix().isEmpty())
-        path += QStringLiteral(".bmp");
+    if (QFileInfo(path).suffix().isEmpty()) {
+        const QString ext = filterExtension(selected);
+        path += ext.isEmpty() ? QStringLiteral(".bmp") : ext;
+    }
     if (!map::exportFormatFor(path))
         return Status::fail(map::unsupportedFormatMessage(path));
     if (QFileInfo::exists(path) &&

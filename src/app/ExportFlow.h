@@ -5,8 +5,8 @@
 //
 // The main window calls
 //   runExportCommand(model, widget->extent(), widget->size(),
-//                    [this](const QString &title, const QString &filter) {
-//                        return QFileDialog::getSaveFileName(this, title, QString(), filter, nullptr,
+//                    [this](const QString &title, const QString &filter, QString *selected) {
+//                        return QFileDialog::getSaveFileName(this, title, QString(), filter, selected,
 //                                                            QFileDialog::DontConfirmOverwrite);
 //                    });
 // (the dialog must not ask its own overwrite question: this flow asks it).
@@ -46,14 +46,20 @@ QString toQtFileFilter(const QString &commonDialogFilter);
 QString overwriteQuestion(const QString &fileName);
 
 // Receives the dialog title and the Qt-form filter; returns the chosen path,
-// empty when the user cancels.
-using ChooseSaveFile = std::function<QString(QString title, QString filter)>;
+// empty when the user cancels, and sets `selectedFilter` to the filter the
+// user left chosen.
+using ChooseSaveFile = std::function<QString(QString title, QString filter, QString *selectedFilter)>;
+
+// The extension a Qt-form filter entry names ("Formato emf(*.emf)" gives
+// ".emf"); empty when it names none.
+QString filterExtension(const QString &filterEntry);
 
 // Runs the command: chooser, overwrite question (OK/Cancel, style 49;
 // Cancel ends without writing), export of `extent` at `pixels`. A name
-// without extension gets ".bmp", the first format of the list; a name with
-// an extension we do not write is refused before any question. Returns the
-// error, if any; cancelling is not an error.
+// without extension takes the one of the chosen filter (".bmp", the first
+// format of the list, when none is known); a name with an extension we do
+// not write is refused before any question. Returns the error, if any;
+// cancelling is not an error.
 Status runExportCommand(const map::MapModel &model, const map::MapRect &extent, QSize pixels,
                         const ChooseSaveFile &chooseFile);
 

@@ -2,6 +2,9 @@
 
 #include "app/ThemeStyle.h"
 
+#include <QDateTime>
+#include <QFileInfo>
+
 namespace mervola {
 
 map::MapRect toMapRect(const ExtentRect &e) { return map::MapRect::fromCorners(e.xmin, e.ymin, e.xmax, e.ymax); }
@@ -20,15 +23,34 @@ bool MapModelHost::layerVisible(int index) const
 
 Status MapModelHost::addLayer(const QString &shapefilePath, const QString &name)
 {
+    // Themes drawn from the same shapefile share its data: a project that
+    // names one shapefile many times costs its memory and reading once.
+    // The key holds the table's size and time, so a rewritten table is read again.
+    const QFileInfo table(QFileInfo(shapefilePath).path() + QLatin1Char('/')
+                          + QFileInfo(shapefilePath).completeBaseName() + QStringLiteral(".dbf"));
+    const QString key = shapefilePath + QLatin1Char('|') + QString::number(table.size()) + QLatin1Char('|')
+                        + QString::number(table.lastModified().toMSecsSinceEpoch());
+    if (const map::LayerDataPtr data = m_shared.value(key)) {
+        map::MapLayer layer;
+        layer.name = name;
+        layer.renderer = map::MapLayer::defaultRenderer(data->kind);
+        layer.data = data;
+        m_model.addLayer(std::move(layer));
+        return {};
+    }
     auto added = m_model.addShapefile(shapefilePath, name);
     if (!added)
         return added.error();
+    m_shared.insert(key, (*added)->data);
     return {};
 }
 
 void MapModelHost::applySettings(const QString &name, const ThemeSettings &settings)
 {
-    if (map::MapLayer *layer = m_model.find(name))
+    // Usually the layer just added, on top.
+    if (m_model.layerCount() > 0 && m_model.layer(0).name.compare(name, Qt::CaseInsensitive) == 0)
+        applyThemeSettings(m_model.layer(0), settings);
+    else if (map::MapLayer *layer = m_model.find(name))
         applyThemeSettings(*layer, settings);
 }
 

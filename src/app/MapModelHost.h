@@ -6,6 +6,7 @@
 #include "map/MapModel.h"
 #include "project/MapHost.h"
 
+#include <QHash>
 #include <functional>
 
 namespace mervola {
@@ -21,7 +22,11 @@ public:
     int layerCount() const override { return m_model.layerCount(); }
     QString layerName(int index) const override;
     bool layerVisible(int index) const override;
-    void removeAllLayers() override { m_model.clear(); }
+    void removeAllLayers() override
+    {
+        m_model.clear();
+        m_shared.clear();
+    }
     Status addLayer(const QString &shapefilePath, const QString &name) override;
     void applySettings(const QString &name, const ThemeSettings &settings) override;
     ExtentRect extent() const override;
@@ -35,6 +40,7 @@ public:
 
 private:
     map::MapModel &m_model;
+    QHash<QString, map::LayerDataPtr> m_shared;  // by shapefile path, since the last removeAllLayers()
 };
 
 map::MapRect toMapRect(const ExtentRect &e);

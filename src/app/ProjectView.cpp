@@ -12,10 +12,9 @@ namespace mervola {
 
 Status loadProjectView(const QString &projectPath, const AtlasHome &home, map::MapModel &model)
 {
-    auto text = readTextFile(projectPath);
-    if (!text)
-        return text.error();
-    auto content = parseProject(*text);
+    if (!hasProjectExtension(projectPath))
+        return Status::fail(ProjectText::kBadExtension);
+    auto content = readProjectFile(projectPath);
     if (!content)
         return content.error();
     const bool isDefault = projectPath.endsWith(QLatin1String("default.rlx"), Qt::CaseInsensitive);

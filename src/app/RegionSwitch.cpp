@@ -4,6 +4,7 @@
 #include "app/ThemeStyle.h"
 #include "project/PristineSettings.h"
 #include "project/SettingsWriters.h"
+#include "platform/dbf/TableCheck.h"
 
 #include <QFileInfo>
 
@@ -35,12 +36,13 @@ int insertionIndex(const map::MapModel &model)
     return above;
 }
 
-// Adds one theme from italia/ with the settings of its file in supporto/.
-Status addTheme(map::MapModel &model, const AtlasHome &home, const QString &theme, int position)
+// Reads one theme from italia/ with the settings of its file in supporto/,
+// ready to go on the map.
+Result<map::MapLayer> readTheme(const AtlasHome &home, const QString &theme)
 {
     // The pristine table, so the region always opens with its own data.
     if (Status st = restoreThemeTable(home, theme); !st)
-        return st;
+        return st.error();
 
     const QString ini = iniOf(home, theme);
     std::optional<ThemeSettings> settings;
@@ -53,13 +55,64 @@ Status addTheme(map::MapModel &model, const AtlasHome &home, const QString &them
     }
 
     const QString shp = resolveCaseInsensitive(home.italia(), theme + QStringLiteral(".shp"));
-    auto layer = model.addShapefile(shp, theme);
+    map::MapModel scratch;
+    auto layer = scratch.addShapefile(shp, theme);
+    if (!layer && layer.error().code == kDamagedFile && repairThemeTable(home, theme))
+        layer = scratch.addShapefile(shp, theme);
     if (!layer)
         return layer.error();
     if (settings)
         applyThemeSettings(**layer, *settings);
-    model.moveLayer(0, std::min(position, model.layerCount() - 1));
-    return {};
+    return std::move(**layer);
+}
+
+// Steps 1 to 4 of a switch. The new themes are read completely before the
+// map is touched, so most failures leave it as it was.
+Result<RegionSwitchResult> switchSteps(map::MapModel &model, const AtlasHome &home, const RegionEntry &region,
+                                       AppState &state)
+{
+    RegionSwitchResult result;
+    std::vector<map::MapLayer> fresh;
+    for (const QString &theme : regionThemes(region.code)) {
+        auto layer = readTheme(home, theme);
+        if (!layer)
+            return layer.error();
+        fresh.push_back(std::move(*layer));
+    }
+
+    // 1. Labels of the mountain-community themes off, then every
+    // region-dependent theme off the map.
+    for (int i = 0; i < model.layerCount(); ++i) {
+        const QString name = model.layer(i).name;
+        const QString upper = name.toUpper();
+        if (upper.startsWith(QLatin1String("COMM")) || upper.startsWith(QLatin1String("CMON"))) {
+            if (Status st = RemoveLabels(model, name, iniOf(home, name)); !st)
+                return st.error();
+        }
+    }
+    const int position = insertionIndex(model);
+    for (int i = model.layerCount() - 1; i >= 0; --i) {
+        if (isRegionLayer(model.layer(i).name)) {
+            result.removed.prepend(model.layer(i).name);
+            model.removeLayer(i);
+        }
+    }
+
+    // 2. The themes of the chosen region.
+    state.regionCode = region.code;
+    if (region.code == kAllItaly)
+        state.indicatorField = QStringLiteral("I000");
+
+    // 3. Municipalities go in first, so the communities lie over them.
+    for (map::MapLayer &layer : fresh) {
+        result.added << layer.name;
+        model.addLayer(std::move(layer));
+        model.moveLayer(0, std::min(position, model.layerCount() - 1));
+    }
+
+    // 4. Where to look.
+    result.extent = regionExtent(model, region);
+    return result;
 }
 
 }  // namespace
@@ -113,41 +166,16 @@ std::optional<map::MapRect> regionExtent(const map::MapModel &model, const Regio
 Result<RegionSwitchResult> switchRegion(map::MapModel &model, const AtlasHome &home, const RegionEntry &region,
                                         AppState &state)
 {
-    RegionSwitchResult result;
-
-    // 1. Labels of the mountain-community themes off, then every
-    // region-dependent theme off the map.
-    for (int i = 0; i < model.layerCount(); ++i) {
-        const QString name = model.layer(i).name;
-        const QString upper = name.toUpper();
-        if (upper.startsWith(QLatin1String("COMM")) || upper.startsWith(QLatin1String("CMON"))) {
-            if (Status st = RemoveLabels(model, name, iniOf(home, name)); !st)
-                return st.error();
-        }
+    // A switch happens whole or not at all: on failure the map, the region
+    // code and the indicator are put back as they were.
+    const map::MapModel before = model;
+    const QString regionBefore = state.regionCode, indicatorBefore = state.indicatorField;
+    auto result = switchSteps(model, home, region, state);
+    if (!result) {
+        model = before;
+        state.regionCode = regionBefore;
+        state.indicatorField = indicatorBefore;
     }
-    const int position = insertionIndex(model);
-    for (int i = model.layerCount() - 1; i >= 0; --i) {
-        if (isRegionLayer(model.layer(i).name)) {
-            result.removed.prepend(model.layer(i).name);
-            model.removeLayer(i);
-        }
-    }
-
-    // 2. The themes of the chosen region.
-    state.regionCode = region.code;
-    if (region.code == kAllItaly)
-        state.indicatorField = QStringLiteral("I000");
-
-    // 3. Each from its pristine table, with its settings. Municipalities go
-    // in first, so the communities lie over them.
-    for (const QString &theme : regionThemes(region.code)) {
-        if (Status st = addTheme(model, home, theme, position); !st)
-            return st.error();
-        result.added << theme;
-    }
-
-    // 4. Where to look.
-    result.extent = regionExtent(model, region);
     return result;
 }
 

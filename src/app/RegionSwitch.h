@@ -7,7 +7,7 @@
 // the command states.
 
 #include "app/AppState.h"
-#include "app/Regions.h"
+#include "project/Regions.h"
 #include "platform/AtlasHome.h"
 #include "platform/Result.h"
 #include "map/MapModel.h"
@@ -42,8 +42,8 @@ struct RegionSwitchResult {
 
 // Switches the map to `region`. Updates the state's region code (and resets
 // the indicator field to "I000" for the whole country). Fails when a theme's
-// table cannot be restored or its shapefile read; the layers already removed
-// stay removed and the ones added so far stay on the map.
+// table cannot be restored, its settings file written or its shapefile read;
+// the map, region code and indicator are then exactly as before.
 Result<RegionSwitchResult> switchRegion(map::MapModel &model, const AtlasHome &home, const RegionEntry &region,
                                         AppState &state);
 

@@ -1,5 +1,6 @@
 #include "app/Startup.h"
 
+#include "project/Regions.h"
 #include "platform/Messages.h"
 #include "project/PristineSettings.h"
 
@@ -8,17 +9,6 @@
 namespace mervola {
 
 Startup::Startup(AtlasHome home, AppState &state) : m_home(std::move(home)), m_state(state) {}
-
-std::unique_ptr<QLockFile> Startup::acquireInstanceLock() const
-{
-    QDir().mkpath(m_home.root());
-    auto lock = std::make_unique<QLockFile>(m_home.root() + QStringLiteral("/.mervola.lock"));
-    // A lock left by a crashed process is taken over.
-    lock->setStaleLockTime(0);
-    if (!lock->tryLock(0))
-        return nullptr;
-    return lock;
-}
 
 Result<int> Startup::ensurePristineSettings() const { return writePristineSettingsIfMissing(m_home); }
 
@@ -34,9 +24,20 @@ void Startup::setRuntimeDefaults()
 
 Status Startup::restorePristineState() const
 {
-    if (auto st = restoreAllThemeTables(m_home); !st)
-        return st;
-    return copyPristineSettings(m_home);
+    // Both steps go on past a file they cannot restore; the user is told
+    // about all of them at once.
+    const Status tables = restoreAllThemeTables(m_home);
+    removeStraySettings(m_home);
+    const Status settings = copyPristineSettings(m_home);
+    if (tables && settings)
+        return {};
+    if (!tables && !settings && tables.error().code == kMissingFolder)
+        return tables;
+    QStringList messages;
+    for (const Status *st : {&tables, &settings})
+        if (!*st)
+            messages << st->errorMessage();
+    return Status::fail(messages.join(QLatin1Char('\n')));
 }
 
 void Startup::setScaleDefaults()
@@ -45,12 +46,14 @@ void Startup::setScaleDefaults()
     m_state.scaleFactor = 258.34;
 }
 
-Status Startup::restoreDefaultProject(MapHost &map, const ProjectHooks &hooks)
+Status Startup::restoreDefaultProject(MapHost &map, const ProjectHooks &hooks, QStringList *notices)
 {
     ProjectFiles project(m_home, map);
     project.hooks() = hooks;
     const Status st = project.restoreDefault();
     applyProjectSession(m_state, project.session());
+    if (notices)
+        *notices = project.session().notices;
     return st;
 }
 
@@ -98,6 +101,8 @@ Status Startup::prepareMap(MapHost &map, const ProjectHooks &hooks)
 void applyProjectSession(AppState &state, const ProjectSession &session)
 {
     state.regionCode = session.regionCode;
+    // The project's own mountain-community table, else the region's.
+    state.communityTable = session.dbfCommont.isEmpty() ? mountainTheme(session.regionCode) : session.dbfCommont;
     if (session.indicator)
         state.indicatorField = *session.indicator;
     if (session.indicatorSet)

@@ -2,7 +2,7 @@
 // The steps of start-up that need no window. The main window's load calls
 // them in this order, around its own steps (splash, map-tip binding, region
 // box, legend, toolbar state):
-//   acquireInstanceLock        1  refuse a second instance
+//   (InstanceLock, taken by AppStart)  1  refuse a second instance
 //   ensurePristineSettings     3  write originali/*.ini when there are none
 //   setRuntimeDefaults         4
 //   restorePristineState       6  pristine tables into italia/, originali/*.ini over supporto/
@@ -16,7 +16,6 @@
 #include "project/ProjectFile.h"
 #include "project/ReferenceDb.h"
 
-#include <QLockFile>
 #include <memory>
 
 namespace mervola {
@@ -31,17 +30,14 @@ class Startup {
 public:
     Startup(AtlasHome home, AppState &state);
 
-    // A lock in the atlas home held for the life of the process; nullptr when
-    // another instance holds it (the caller shows kAlreadyRunning and ends).
-    std::unique_ptr<QLockFile> acquireInstanceLock() const;
-
     // Returns how many default settings files were written (0 when present).
     Result<int> ensurePristineSettings() const;
     void setRuntimeDefaults();
     Status restorePristineState() const;
     void setScaleDefaults();
-    // Loads the default project; the region and indicator it sets go to the state.
-    Status restoreDefaultProject(MapHost &map, const ProjectHooks &hooks = {});
+    // Loads the default project; the region, indicator and mountain-community
+    // table it sets go to the state, what the user must be told to `notices`.
+    Status restoreDefaultProject(MapHost &map, const ProjectHooks &hooks = {}, QStringList *notices = nullptr);
     // Reads STRUTTURE into the state. An empty table shows the critical box
     // and start-up goes on; the loaded flag ends true either way.
     Status loadStructureTable();

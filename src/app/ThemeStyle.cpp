@@ -2,7 +2,6 @@
 
 #include "classify/ClassRange.h"
 
-#include <QHash>
 
 namespace mervola {
 
@@ -125,34 +124,26 @@ map::LabelRenderer labelsFromSettings(const ThemeSettings &s)
 
 std::vector<int> classCounts(const map::MapLayer &layer)
 {
-    std::vector<int> counts;
-    if (!layer.data)
-        return counts;
-    const map::LayerData &data = *layer.data;
-    if (const auto *cb = std::get_if<map::ClassBreaksRenderer>(&layer.renderer)) {
-        counts.assign(size_t(std::max(0, cb->breakCount())), 0);
-        const map::Column *col = data.column(cb->field);
-        if (!col)
-            return counts;
-        for (int f = 0; f < data.featureCount(); ++f) {
-            const int c = cb->classOf(col->number(f));
-            if (c >= 0 && c < int(counts.size()))
-                ++counts[size_t(c)];
-        }
-    } else if (const auto *vm = std::get_if<map::ValueMapRenderer>(&layer.renderer)) {
-        counts.assign(size_t(std::max(0, vm->valueCount())), 0);
-        const map::Column *col = data.column(vm->field);
-        if (!col)
-            return counts;
-        QHash<QString, int> index;
-        for (int i = 0; i < vm->valueCount(); ++i)
-            index.insert(vm->value(i).toUpper(), i);
-        for (int f = 0; f < data.featureCount(); ++f) {
-            const int c = index.value(col->text(f).toUpper(), -1);
-            if (c >= 0)
-                ++counts[size_t(c)];
-        }
+    int classes = 0;
+    map::Renderer counted = layer.renderer;
+    // A class whose symbol is not drawn still has its elements.
+    if (auto *cb = std::get_if<map::ClassBreaksRenderer>(&counted)) {
+        classes = cb->breakCount();
+        for (int c = 0; c < classes; ++c)
+            cb->symbol(c).drawn = true;
+    } else if (auto *vm = std::get_if<map::ValueMapRenderer>(&counted)) {
+        classes = vm->valueCount();
+        for (int c = 0; c < classes; ++c)
+            vm->symbol(c).drawn = true;
     }
+    if (!layer.data || classes == 0)
+        return {};
+    // The symbols the map draws with: symbol c is class c, the one after the
+    // classes the default of elements without a class.
+    std::vector<int> counts(size_t(classes), 0);
+    for (int s : map::resolveStyle(counted, *layer.data).featureSymbol)
+        if (s >= 0 && s < classes)
+            ++counts[size_t(s)];
     return counts;
 }
 

@@ -32,7 +32,8 @@ map::LabelRenderer labelsFromSettings(const ThemeSettings &settings);
 // Applies visibility, renderer and labels to a layer.
 void applyThemeSettings(map::MapLayer &layer, const ThemeSettings &settings);
 
-// Number of features in each class of a classified layer (empty otherwise).
+// Number of features in each class of a classified layer, counted the way
+// the map draws them (empty for an unclassified layer).
 std::vector<int> classCounts(const map::MapLayer &layer);
 
 // Parses a class item's "lower - upper" value; false when it is not a range.

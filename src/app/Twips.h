@@ -1,5 +1,6 @@
 #pragma once
-// Twips are the old layout unit: 1440 per inch at the screen's logical DPI.
+// Twips, the unit of the window layout's constants: 1440 per inch at the
+// screen's logical DPI.
 
 #include <cmath>
 

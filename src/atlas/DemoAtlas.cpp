@@ -1,6 +1,6 @@
 #include "atlas/DemoAtlas.h"
 
-#include "atlas/Regions.h"
+#include "project/Regions.h"
 
 namespace mervola::atlas {
 

@@ -1,6 +1,6 @@
 #include "atlas/ThemeTables.h"
 
-#include "atlas/Regions.h"
+#include "project/Regions.h"
 
 #include <QHash>
 

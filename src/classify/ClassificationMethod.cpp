@@ -63,25 +63,28 @@ void countElements(const FieldColumn &column, std::vector<ClassRange> &classes, 
     if (classes.empty())
         return;
     if (uniqueValues) {
-        QHash<QString, int> index;
-        for (size_t i = 0; i < classes.size(); ++i)
-            index.insert(classes[i].valueText, int(i));
-        const int n = column.recordCount();
-        for (int i = 0; i < n; ++i) {
-            QString key;
-            if (column.numeric) {
-                if (FieldColumn::isNull(column.numbers[size_t(i)]))
-                    continue;
-                key = formatLimit(column.numbers[size_t(i)]);
-            } else {
-                if (column.texts[i].isNull())
-                    continue;
-                key = column.texts[i];
+        // Numbers compare as numbers ("50,7" is 50.7) and texts without
+        // regard to case; the first class of equal values takes the element.
+        if (column.numeric) {
+            QHash<double, int> index;
+            for (size_t i = classes.size(); i-- > 0;) {
+                double v = 0;
+                if (parseLimit(classes[i].valueText, &v))
+                    index.insert(v, int(i));
             }
-            const auto it = index.constFind(key);
-            if (it != index.constEnd())
-                ++classes[size_t(*it)].count;
+            for (double v : column.numbers)
+                if (!FieldColumn::isNull(v))
+                    if (const auto it = index.constFind(v); it != index.constEnd())
+                        ++classes[size_t(*it)].count;
+            return;
         }
+        QHash<QString, int> index;
+        for (size_t i = classes.size(); i-- > 0;)
+            index.insert(classes[i].valueText.toCaseFolded(), int(i));
+        for (const QString &t : column.texts)
+            if (!t.isNull())
+                if (const auto it = index.constFind(t.toCaseFolded()); it != index.constEnd())
+                    ++classes[size_t(*it)].count;
         return;
     }
     if (!column.numeric)
@@ -92,27 +95,25 @@ void countElements(const FieldColumn &column, std::vector<ClassRange> &classes, 
         countSorted(column.sortedNumbers(), classes);
         return;
     }
-    // Limits typed by the user may not rise: each value takes the first
-    // class whose upper limit is not below it.
-    for (double v : column.numbers) {
-        if (FieldColumn::isNull(v) || v < classes.front().lower)
-            continue;
-        const auto it = std::find_if(classes.begin(), classes.end(), [v](const ClassRange &r) { return v <= r.upper; });
-        if (it != classes.end())
-            ++it->count;
-    }
+    for (double v : column.numbers)
+        if (!FieldColumn::isNull(v))
+            ++classes[size_t(classOfValue(classes, v))].count;
+}
+
+int classOfValue(const std::vector<ClassRange> &classes, double v)
+{
+    const auto it = std::find_if(classes.begin(), classes.end(), [v](const ClassRange &r) { return v <= r.upper; });
+    return it == classes.end() ? int(classes.size()) - 1 : int(it - classes.begin());
 }
 
 void countSorted(const std::vector<double> &sorted, std::vector<ClassRange> &classes)
 {
-    // Rising limits: the class of a value is found by binary search over the
-    // sorted numbers, one search per class.
-    if (classes.empty())
-        return;
-    auto from = std::lower_bound(sorted.begin(), sorted.end(), classes.front().lower);
-    for (ClassRange &r : classes) {
-        const auto to = std::upper_bound(from, sorted.end(), r.upper);
-        r.count = int(to - from);
+    // Rising limits: each class ends at the last value not above its upper
+    // limit, found by binary search; the last class takes the rest.
+    auto from = sorted.begin();
+    for (size_t i = 0; i < classes.size(); ++i) {
+        const auto to = i + 1 == classes.size() ? sorted.end() : std::upper_bound(from, sorted.end(), classes[i].upper);
+        classes[i].count = int(to - from);
         from = to;
     }
 }

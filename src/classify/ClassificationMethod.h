@@ -54,11 +54,16 @@ private:
 // are not computed from the data).
 const ClassificationMethod *methodById(const QString &id);
 
-// Counts the elements per class: a value falls in the first class whose
-// upper limit is not below it (class 1 also starts at its lower limit);
-// unique-value classes count equal values.
+// Counts the elements per class the way the map colours them: a value
+// falls in the first class whose upper limit is not below it, and values
+// above the last limit in the last class (so values outside limits typed by
+// the user are counted in the first or last class, as they are drawn);
+// unique-value classes count equal values, numbers compared as numbers.
 void countElements(const FieldColumn &column, std::vector<ClassRange> &classes, bool uniqueValues);
-// The same over the column's non-null numbers already sorted.
+// The class of a value by that rule; the classes must not be empty.
+int classOfValue(const std::vector<ClassRange> &classes, double value);
+// The same counting over the column's non-null numbers already sorted, for
+// classes whose upper limits rise.
 void countSorted(const std::vector<double> &sorted, std::vector<ClassRange> &classes);
 
 }  // namespace mervola::classify

@@ -3,14 +3,12 @@
 // --quit-after-start quits once the first map has been painted and prints
 // the start-up time on stderr (for timing and smoke tests).
 #include "app/AppState.h"
-#include "app/Startup.h"
+#include "app/ui/AppStart.h"
 #include "app/ui/MainWindow.h"
-#include "app/ui/SplashWindow.h"
 #include "platform/Allocator.h"
 #include "platform/AtlasHome.h"
 #include "platform/Messages.h"
 #include "platform/ui/MessageBoxPresenter.h"
-#include "platform/ui/ScreenFit.h"
 #include "platform/ui/Translations.h"
 
 #include <QApplication>
@@ -50,39 +48,11 @@ int main(int argc, char **argv)
     }
 
     AppState &state = appState();
-    state.splash = true;
-    SplashWindow splash(SplashWindow::Mode::StartUp);
-    splash.show();
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    QApplication::processEvents();
-
-    // Only one copy of the program may work on an atlas home at a time.
-    Startup startup(home, state);
-    const auto lock = startup.acquireInstanceLock();
-    if (!lock) {
-        QApplication::restoreOverrideCursor();
-        splash.hide();
-        showMessage(MsgStyle::Critical, StartupText::kAlreadyRunning);
-        return 1;
-    }
-    splash.startTimer(600);
-
-    MainWindow window(home, state);
+    AppStart start(home, state);
+    if (const auto code = start.begin())
+        return *code;
+    MainWindow &window = *start.mainWindow();
     presenter.setParent(&window);
-    if (!window.load()) {
-        QApplication::restoreOverrideCursor();
-        return 1;
-    }
-    window.setEnabled(false);
-    auto showMain = [&] {
-        QApplication::restoreOverrideCursor();
-        window.setEnabled(true);
-        state.splash = false;
-        resizeWithinScreen(&window, QSize(1280, 860));
-        window.show();
-        splash.close();
-    };
-    QObject::connect(&splash, &SplashWindow::timedOut, &window, showMain);
     if (quitAfterStart) {
         QObject::connect(&window, &MainWindow::firstMapPainted, &app, [&] {
             std::fprintf(stderr, "Mappa disegnata dopo %lld ms\n", static_cast<long long>(clock.elapsed()));

@@ -1,4 +1,5 @@
 #include "map/LayerData.h"
+#include "platform/dbf/TableCheck.h"
 
 #include "map/GridIndex.h"
 
@@ -184,6 +185,9 @@ std::vector<int> LayerData::candidatesAt(QPointF p, double tolerance) const
 
 Result<std::shared_ptr<const LayerData>> LayerData::loadShapefile(const QString &path)
 {
+    // A cut file would open and draw only part of the theme.
+    if (Status whole = checkShapefile(path); !whole)
+        return whole.error();
     registerGdalOnce();
     std::unique_ptr<GDALDataset, GdalCloser> ds(static_cast<GDALDataset *>(
         GDALOpenEx(QFile::encodeName(path).constData(), GDAL_OF_VECTOR | GDAL_OF_READONLY, nullptr, nullptr, nullptr)));

@@ -167,9 +167,17 @@ void paintLayer(QPainter &painter, const MapLayer &layer, const ResolvedStyle &s
             }
         }
     }
+}
 
-    if (layer.selection.empty())
-        return;
+// The found or selected features of a layer in the selection colour. Drawn
+// after every layer, so that a selection on a lower layer (a municipality
+// under the mountain communities) stays visible.
+void paintSelection(QPainter &painter, const MapLayer &layer, const MapTransform &t, const MapRect &cull,
+                    const RenderOptions &o)
+{
+    const LayerData &d = *layer.data;
+    const PathBuilder builder(d, t);
+    const int n = d.featureCount();
     QPainterPath sel;
     sel.setFillRule(Qt::OddEvenFill);
     for (int f : layer.selection)
@@ -184,6 +192,7 @@ void paintLayer(QPainter &painter, const MapLayer &layer, const ResolvedStyle &s
         painter.fillPath(sel, o.selectionColor);
     else if (d.kind == GeometryKind::Line)
         pen.setColor(o.selectionColor);
+    painter.setRenderHint(QPainter::Antialiasing, o.antialias);
     painter.strokePath(sel, pen);
 }
 
@@ -234,6 +243,11 @@ void paintLayersIn(QPainter &painter, const MapModel &model, const MapTransform 
             paintLayer(painter, layer, (*styles)[i], t, cull, o);
         else
             paintLayer(painter, layer, resolveStyle(layer.renderer, *layer.data), t, cull, o);
+    }
+    for (std::size_t i = layers.size(); i-- > 0;) {
+        const MapLayer &layer = layers[i];
+        if (layer.visible && layer.data && !layer.selection.empty() && layer.data->extent.intersects(cull))
+            paintSelection(painter, layer, t, cull, o);
     }
 }
 

@@ -5,8 +5,9 @@
 // Per layer, the features whose box meets the visible area are converted to
 // device coordinates (vertices closer than half a pixel to the previous one
 // are dropped), gathered into one path per symbol, each path filled once,
-// then the outlines stroked; selected features are painted over in the
-// selection colour; labels go on last, over all layers.
+// then the outlines stroked. Once every layer is drawn, the selected
+// features of all layers are painted over them in the selection colour;
+// labels go on last.
 
 #include "map/MapModel.h"
 #include "map/MapTransform.h"

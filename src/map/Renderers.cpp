@@ -5,22 +5,6 @@
 
 namespace mervola::map {
 
-std::vector<std::int32_t> colorRamp(std::int32_t start, std::int32_t end, int count)
-{
-    std::vector<std::int32_t> out;
-    if (count <= 0)
-        return out;
-    const QColor a = colorFromValue(start), b = colorFromValue(end);
-    if (count == 1)
-        return {colorToValue(b)};
-    for (int i = 0; i < count; ++i) {
-        const double t = double(i) / (count - 1);
-        auto mix = [t](int x, int y) { return int(std::lround(x + (y - x) * t)); };
-        out.push_back(colorToValue(QColor(mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue()))));
-    }
-    return out;
-}
-
 Symbol ClassBreaksRenderer::transparentSymbol()
 {
     Symbol s;
@@ -35,13 +19,6 @@ void ClassBreaksRenderer::setBreakCount(int n)
     Symbol s;
     s.symbolType = symbolType;
     m_symbols.resize(std::size_t(n), s);
-}
-
-void ClassBreaksRenderer::rampColors(std::int32_t start, std::int32_t end)
-{
-    const auto colors = colorRamp(start, end, breakCount());
-    for (std::size_t i = 0; i < colors.size(); ++i)
-        m_symbols[i].color = colors[i];
 }
 
 int ClassBreaksRenderer::classOf(double v) const
@@ -81,13 +58,6 @@ void ValueMapRenderer::setValueCount(int n)
     Symbol s;
     s.symbolType = symbolType;
     m_symbols.resize(std::size_t(n), s);
-}
-
-void ValueMapRenderer::rampColors(std::int32_t start, std::int32_t end)
-{
-    const auto colors = colorRamp(start, end, valueCount());
-    for (std::size_t i = 0; i < colors.size(); ++i)
-        m_symbols[i].color = colors[i];
 }
 
 bool LabelRenderer::enabled() const

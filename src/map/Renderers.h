@@ -3,9 +3,9 @@
 // symbol, classes of a numeric field (class breaks), or a symbol per value
 // (value map); plus the label settings.
 //
-// Names follow the old map control: `Field`, `BreakCount`, `Break(i)`,
-// `Symbol(i)` are field(), breakCount(), breakValue(i), symbol(i); `ValueCount`
-// and `Value(i)` are valueCount() and value(i).
+// The renderer properties `Field`, `BreakCount`, `Break(i)`, `Symbol(i)` are
+// field(), breakCount(), breakValue(i), symbol(i); `ValueCount` and
+// `Value(i)` are valueCount() and value(i).
 
 #include "map/LayerData.h"
 #include "map/MapTypes.h"
@@ -51,9 +51,6 @@ public:
     Symbol &symbol(int i) { return m_symbols.at(std::size_t(i)); }
     const Symbol &symbol(int i) const { return m_symbols.at(std::size_t(i)); }
 
-    // Even steps of red, green and blue from `start` (class 0) to `end` (last
-    // class), both ends included.
-    void rampColors(std::int32_t start, std::int32_t end);
     int classOf(double value) const;  // -1 for NaN or no classes
 
     static ClassBreaksRenderer fromClasses(const QString &field, const std::vector<ClassRange> &classes,
@@ -80,7 +77,6 @@ public:
     void setValue(int i, const QString &v) { m_values.at(std::size_t(i)) = v; }
     Symbol &symbol(int i) { return m_symbols.at(std::size_t(i)); }
     const Symbol &symbol(int i) const { return m_symbols.at(std::size_t(i)); }
-    void rampColors(std::int32_t start, std::int32_t end);
     bool operator==(const ValueMapRenderer &) const = default;
 
 private:
@@ -110,8 +106,5 @@ struct ResolvedStyle {
     std::vector<int> featureSymbol;
 };
 ResolvedStyle resolveStyle(const Renderer &renderer, const LayerData &data);
-
-// Even RGB steps between two colour values, both ends included.
-std::vector<std::int32_t> colorRamp(std::int32_t start, std::int32_t end, int count);
 
 }  // namespace mervola::map

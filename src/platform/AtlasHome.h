@@ -29,8 +29,9 @@ private:
 };
 
 // The path of `name` inside `dir`, matched case-insensitively against the
-// files present (the old program's file system ignored case). When nothing
-// matches, dir + "/" + name.
+// files present: names read from settings, project and region files are
+// matched without regard to case, so "\Supporto\" and "supporto" are the
+// same folder. When nothing matches, dir + "/" + name.
 QString resolveCaseInsensitive(const QString &dir, const QString &name);
 
 }  // namespace mervola

@@ -29,6 +29,15 @@ MsgAnswer showMessage(int style, const QString &text, const QString &title)
     return defaultAnswer(style);
 }
 
+MsgAnswer showDetailedMessage(int style, const QString &text, const QString &details, const QString &title)
+{
+    if (g_presenter)
+        return g_presenter->presentDetailed(style, text, details, title);
+    std::fprintf(stderr, "%s: %s\nDettagli: %s\n", title.toUtf8().constData(), text.toUtf8().constData(),
+                 details.toUtf8().constData());
+    return defaultAnswer(style);
+}
+
 MessagePresenter *setMessagePresenter(MessagePresenter *presenter)
 {
     MessagePresenter *old = g_presenter;
@@ -42,8 +51,16 @@ MessageRecorder::~MessageRecorder() { setMessagePresenter(m_previous); }
 
 MsgAnswer MessageRecorder::present(int style, const QString &text, const QString &title)
 {
-    m_entries << Entry{style, text, title};
+    m_entries << Entry{style, text, title, QString()};
     return m_script.isEmpty() ? defaultAnswer(style) : m_script.takeFirst();
+}
+
+MsgAnswer MessageRecorder::presentDetailed(int style, const QString &text, const QString &details,
+                                           const QString &title)
+{
+    const MsgAnswer answer = present(style, text, title);
+    m_entries.last().details = details;
+    return answer;
 }
 
 bool MessageRecorder::contains(const QString &text) const

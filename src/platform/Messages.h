@@ -32,10 +32,20 @@ class MessagePresenter {
 public:
     virtual ~MessagePresenter() = default;
     virtual MsgAnswer present(int style, const QString &text, const QString &title) = 0;
+    // The same box with a "Dettagli" button that shows `details`.
+    virtual MsgAnswer presentDetailed(int style, const QString &text, const QString &details, const QString &title)
+    {
+        (void)details;
+        return present(style, text, title);
+    }
 };
 
 // Shows a message through the installed presenter (stderr when none).
 MsgAnswer showMessage(int style, const QString &text, const QString &title = kAppTitle);
+// A message whose box also has a "Dettagli" button showing `details` (why
+// something failed). On stderr the details follow the text.
+MsgAnswer showDetailedMessage(int style, const QString &text, const QString &details,
+                              const QString &title = kAppTitle);
 // Installs a presenter; returns the previous one. Not owned.
 MessagePresenter *setMessagePresenter(MessagePresenter *presenter);
 
@@ -50,10 +60,12 @@ public:
         int style;
         QString text;
         QString title;
+        QString details;  // empty unless the box has a "Dettagli" button
     };
     MessageRecorder();
     ~MessageRecorder() override;
     MsgAnswer present(int style, const QString &text, const QString &title) override;
+    MsgAnswer presentDetailed(int style, const QString &text, const QString &details, const QString &title) override;
 
     void script(MsgAnswer answer) { m_script << answer; }
     const QList<Entry> &entries() const { return m_entries; }

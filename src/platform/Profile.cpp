@@ -1,5 +1,7 @@
 #include "platform/Profile.h"
 
+#include "platform/FileReplace.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QStringDecoder>
@@ -103,27 +105,12 @@ QStringList ProfileFile::keys(const QString &section) const
 
 Status writeLinesReplacing(const QString &path, const QStringList &lines)
 {
-    const QFileInfo info(path);
-    const QString newPath = info.path() + QLatin1Char('/') + info.completeBaseName() + QStringLiteral(".new");
-    {
-        QFile f(newPath);
-        if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            return Status::fail(QStringLiteral("Impossibile scrivere il file %1.").arg(newPath));
-        QByteArray out;
-        for (const QString &l : lines) {
-            out += l.toUtf8();
-            out += '\n';
-        }
-        if (f.write(out) != out.size() || !f.flush())
-            return Status::fail(QStringLiteral("Impossibile scrivere il file %1.").arg(newPath));
+    QByteArray out;
+    for (const QString &l : lines) {
+        out += l.toUtf8();
+        out += '\n';
     }
-    if (QFile::exists(path) && !QFile::remove(path)) {
-        QFile::remove(newPath);
-        return Status::fail(QStringLiteral("Impossibile sostituire il file %1.").arg(path));
-    }
-    if (!QFile::rename(newPath, path))
-        return Status::fail(QStringLiteral("Impossibile rinominare il file %1.").arg(newPath));
-    return {};
+    return writeFileReplacing(path, out, newFilePath(path));
 }
 
 QStringList splitFields(const QString &value, QChar separator)

@@ -46,7 +46,7 @@ Result<QString> readTextFile(const QString &path);
 QStringList splitLines(const QString &text);
 
 // Writes lines the way settings files are always replaced: write
-// "<base>.new", delete the old file, rename the new one into place.
+// "<base>.new", then rename it over the old file (replaceFile()).
 Status writeLinesReplacing(const QString &path, const QStringList &lines);
 
 // Splits a "^"-separated field list; the empty piece after the last "^" is dropped.

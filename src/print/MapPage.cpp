@@ -137,6 +137,28 @@ double pageScale(double extentWidth, double printedWidthPx, double dpi)
     return std::floor(extentWidth / (printedWidthPx / dpi * 0.0254));
 }
 
+double printedScale(const MapPageContent &pageContent, const QSizeF &pageSize)
+{
+    // The layout is worked out on an A4 sheet of the page's shape at a fixed
+    // resolution, so that the number does not follow the rounding of frame
+    // sizes and font metrics to the pixels of each device: the preview, the
+    // PDF and the printer print the same scale.
+    constexpr double kReferenceDpi = 300;
+    const double shortSide = std::min(pageSize.width(), pageSize.height());
+    if (!(shortSide > 0))
+        return 0;
+    const double f = 210 / 25.4 * kReferenceDpi / shortSide;
+    QImage reference(1, 1, QImage::Format_ARGB32_Premultiplied);
+    const int dpm = int(std::lround(kReferenceDpi / 0.0254));
+    reference.setDotsPerMeterX(dpm);
+    reference.setDotsPerMeterY(dpm);
+    const MapPageLayout l =
+        layoutMapPage(QRectF(0, 0, pageSize.width() * f, pageSize.height() * f), pageContent, &reference);
+    const QSize frame(int(l.mapFrame.width()), int(l.mapFrame.height()));
+    const map::MapTransform t(printedExtent(pageContent), frame);
+    return t.isValid() ? pageScale(t.extent().width(), frame.width(), kReferenceDpi) : 0;
+}
+
 QString scaleText(double denominator)
 {
     return QStringLiteral("Scala 1:") + groupDigits(qint64(std::max(0.0, denominator)));
@@ -287,7 +309,7 @@ void paintMapPage(QPainter &painter, const QRectF &pageRect, const MapPageConten
         painter.setFont(pageFont(QStringLiteral("Arial"), kScaleFontMm, u, l.dpi));
         painter.setPen(Qt::black);
         painter.drawText(l.scaleText, Qt::AlignLeft | Qt::AlignVCenter,
-                         scaleText(pageScale(transform.extent().width(), frameSize.width(), l.dpi)));
+                         scaleText(printedScale(pageContent, pageRect.size())));
     }
     paintNorthArrow(painter, l.northArrow, u, l.dpi);
     if (!pageContent.dateText.isEmpty()) {

@@ -11,6 +11,7 @@
 // right. All sizes are proportional to the page, so a preview, an image and
 // a 1200 dpi PDF look alike.
 
+#include "platform/Legend.h"
 #include "platform/Result.h"
 #include "map/MapModel.h"
 
@@ -18,7 +19,6 @@
 #include <QPageLayout>
 #include <QRectF>
 #include <QString>
-#include <functional>
 #include <vector>
 
 class QPainter;
@@ -26,23 +26,10 @@ class QPaintDevice;
 
 namespace mervola {
 
-struct MapPageClass {
-    QColor fill;
-    QColor outline;
-    QString label;
-    int count = -1;  // number of elements, -1 when unknown
-};
-
-// One theme in the page's legend.
-struct MapPageTheme {
-    QString alias;
-    int geometryKind = 2;  // 0 point, 1 line, 2 polygon
-    QColor fill;           // swatch of an unclassified theme
-    QColor outline;
-    bool outlined = true;
-    bool visible = true;  // hidden themes are left out of the page's legend
-    std::vector<MapPageClass> classes;
-};
+// The page's legend is the legend panel's, line for line; hidden themes
+// are left out of it.
+using MapPageClass = LegendClass;
+using MapPageTheme = LegendEntry;
 
 struct MapPageContent {
     QString title = QStringLiteral("Mervola");
@@ -79,16 +66,13 @@ struct MapPageLayout {
 // True when at least one layer of the map is visible.
 bool hasVisibleTheme(const map::MapModel &model);
 
-// The legend of a map's layers (top layer first) with the colours of their
-// renderers; class labels are "lower - upper" for class breaks and the
-// value for a value map; counts come from the layer's data. `aliasOf` maps a
-// layer name to its shown name (the layer name when not given).
-std::vector<MapPageTheme> legendFromModel(const map::MapModel &model,
-                                          const std::function<QString(const QString &)> &aliasOf = {});
-
 // Denominator of the page scale: the map's extent width over the width of
 // the printed map in metres of paper; 0 when either is not positive.
 double pageScale(double extentWidth, double printedWidthPx, double dpi);
+// The scale printed on a page of `pageSize` (any unit; only its shape
+// counts): the page's map frame measured on an A4 sheet, the same on the
+// preview, a PDF and the printer.
+double printedScale(const MapPageContent &pageContent, const QSizeF &pageSize);
 // "Scala 1:" + the denominator with "." every three digits.
 QString scaleText(double denominator);
 // A round scale bar length in metres (1, 2 or 5 times a power of ten), the

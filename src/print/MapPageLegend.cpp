@@ -1,5 +1,5 @@
 // The legend of the printed page: the themes' lines, their flow into
-// columns, the swatches; and the legend built from a map's renderers.
+// columns, the swatches.
 
 #include "print/MapPageParts.h"
 
@@ -41,7 +41,7 @@ std::vector<LegendLine> legendLines(const std::vector<MapPageTheme> &themes)
         lines.push_back(head);
         for (const MapPageClass &c : t.classes) {
             LegendLine l;
-            l.text = c.count >= 0 ? QStringLiteral("%1 (%2)").arg(c.label).arg(c.count) : c.label;
+            l.text = legendClassText(c);
             l.fill = c.fill;
             l.outline = c.outline;
             l.outlined = true;
@@ -232,93 +232,3 @@ void paintScaleBar(QPainter &p, const QRectF &rect, double metres, double barPx,
 }
 
 }  // namespace mervola::mappage
-
-namespace mervola {
-
-namespace {
-
-QString numberText(double v)
-{
-    if (std::isnan(v))
-        return QString();
-    if (std::fabs(v - std::round(v)) < 1e-9)
-        return QString::number(qint64(std::llround(v)));
-    QString s = QString::number(v, 'f', 2);
-    while (s.endsWith(QLatin1Char('0')))
-        s.chop(1);
-    if (s.endsWith(QLatin1Char('.')))
-        s.chop(1);
-    // Italian decimal comma, as in the classification's own class texts.
-    s.replace(QLatin1Char('.'), QLatin1Char(','));
-    return s;
-}
-
-bool sameValue(const QString &a, const QString &b)
-{
-    bool okA = false, okB = false;
-    const double x = a.toDouble(&okA), y = b.toDouble(&okB);
-    if (okA && okB)
-        return x == y;
-    return a.compare(b, Qt::CaseInsensitive) == 0;
-}
-
-void addClass(MapPageTheme &t, const map::Symbol &s, const QString &label, int count)
-{
-    t.classes.push_back({map::colorFromValue(s.color),
-                         s.outline ? map::colorFromValue(s.outlineColor) : QColor(Qt::transparent), label, count});
-}
-
-}  // namespace
-
-std::vector<MapPageTheme> legendFromModel(const map::MapModel &model,
-                                          const std::function<QString(const QString &)> &aliasOf)
-{
-    std::vector<MapPageTheme> out;
-    for (const map::MapLayer &layer : model.layers()) {
-        MapPageTheme t;
-        t.alias = aliasOf ? aliasOf(layer.name) : layer.name;
-        t.visible = layer.visible;
-        t.geometryKind = layer.data ? int(layer.data->kind) : 2;
-        const map::LayerData *d = layer.data.get();
-        if (const auto *simple = std::get_if<map::SimpleRenderer>(&layer.renderer)) {
-            t.fill = simple->symbol.style == 1 ? QColor(Qt::transparent) : map::colorFromValue(simple->symbol.color);
-            t.outline = map::colorFromValue(simple->symbol.outlineColor);
-            t.outlined = simple->symbol.outline;
-        } else if (const auto *cb = std::get_if<map::ClassBreaksRenderer>(&layer.renderer)) {
-            const map::Column *col = d ? d->column(cb->field) : nullptr;
-            std::vector<int> counts(std::size_t(cb->breakCount()), 0);
-            double lowest = std::nan("");
-            if (col) {
-                for (int f = 0; f < d->featureCount(); ++f) {
-                    const double v = col->number(f);
-                    if (!std::isnan(v) && !(v >= lowest))
-                        lowest = v;
-                    const int c = cb->classOf(v);
-                    if (c >= 0 && c < int(counts.size()))
-                        ++counts[std::size_t(c)];
-                }
-            }
-            for (int c = 0; c < cb->breakCount(); ++c) {
-                const double lower = c == 0 ? lowest : cb->breakValue(c - 1);
-                const QString label = numberText(lower) + QStringLiteral(" - ") + numberText(cb->breakValue(c));
-                addClass(t, cb->symbol(c), label, col ? counts[std::size_t(c)] : -1);
-            }
-        } else if (const auto *vm = std::get_if<map::ValueMapRenderer>(&layer.renderer)) {
-            const map::Column *col = d ? d->column(vm->field) : nullptr;
-            for (int c = 0; c < vm->valueCount(); ++c) {
-                int count = -1;
-                if (col) {
-                    count = 0;
-                    for (int f = 0; f < d->featureCount(); ++f)
-                        if (sameValue(col->text(f), vm->value(c)))
-                            ++count;
-                }
-                addClass(t, vm->symbol(c), vm->value(c), count);
-            }
-        }
-        out.push_back(std::move(t));
-    }
-    return out;
-}
-
-}  // namespace mervola

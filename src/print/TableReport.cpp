@@ -1,14 +1,12 @@
 // The table report's work table and definition file.
 #include "print/TableReport.h"
 
+#include "platform/FileReplace.h"
 #include "platform/Profile.h"
 #include "platform/SqlText.h"
 #include "project/ReferenceDb.h"
 
 #include <QFile>
-#include <QSaveFile>
-#include <QStringConverter>
-#include <QTextStream>
 
 namespace mervola
 {
@@ -26,29 +24,15 @@ QString line(const QString &key, const QString &value)
     return key + QStringLiteral(" = ") + value;
 }
 
-Status writeLines(const QString &path, const QStringList &lines)
+// Writes the definition through "TempRptNew.vrd", renamed over the target
+// only once it is complete.
+Status writeDefinition(const QString &target, const QString &fresh, const QStringList &lines)
 {
-    QSaveFile f(path);
-    if (!f.open(QIODevice::WriteOnly | QIODevice::Text))
-        return Error{reporttext::kWriteFailed.arg(path)};
-    QTextStream out(&f);
-    out.setEncoding(QStringConverter::Utf8);
+    QByteArray bytes;
     for (const QString &l : lines)
-        out << l << '\n';
-    out.flush();
-    if (!f.commit())
-        return Error{reporttext::kWriteFailed.arg(path)};
-    return {};
-}
-
-// Gives `fresh` the name `target`: the old target is deleted first, so a
-// failure before the deletion leaves the previous definition in place.
-Status swapInto(const QString &fresh, const QString &target)
-{
-    if (QFile::exists(target) && !QFile::remove(target))
-        return Error{reporttext::kWriteFailed.arg(target)};
-    if (!QFile::rename(fresh, target))
-        return Error{reporttext::kWriteFailed.arg(target)};
+        bytes += l.toUtf8() + '\n';
+    if (Status s = writeFileReplacing(target, bytes, fresh); !s)
+        return Error{reporttext::kWriteFailed.arg(s.errorMessage())};
     return {};
 }
 
@@ -118,10 +102,8 @@ Status writeReportDefinition(const AtlasHome &home, const QList<ReportColumn> &c
             return text.error();
         styles = splitLines(*text);
     }
-    const QString fresh = reportDefinitionNewPath(home);
-    if (Status s = writeLines(fresh, reportDefinitionLines(home.referenceDb(), columns, styles)); !s)
-        return s;
-    return swapInto(fresh, reportDefinitionPath(home));
+    return writeDefinition(reportDefinitionPath(home), reportDefinitionNewPath(home),
+                           reportDefinitionLines(home.referenceDb(), columns, styles));
 }
 
 Status setReportOrientation(const AtlasHome &home, ReportOrientation orientation)
@@ -135,10 +117,7 @@ Status setReportOrientation(const AtlasHome &home, ReportOrientation orientation
     for (QString &l : lines)
         if (l.contains(key))
             l = key + QString::number(int(orientation));
-    const QString fresh = reportDefinitionNewPath(home);
-    if (Status s = writeLines(fresh, lines); !s)
-        return s;
-    return swapInto(fresh, current);
+    return writeDefinition(current, reportDefinitionNewPath(home), lines);
 }
 
 Status fillTempRpt(const ReferenceDb &db, const QStringList &fields, const std::vector<QStringList> &rows,

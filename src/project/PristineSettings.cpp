@@ -1,6 +1,7 @@
 #include "project/PristineSettings.h"
 
 #include "platform/Profile.h"
+#include "platform/dbf/TableCheck.h"
 
 #include <QDir>
 #include <QFile>
@@ -26,8 +27,24 @@ QString stripExtension(const QString &fileName)
 
 Error missingFolder(const QString &dir)
 {
-    return Error{QStringLiteral("Cartella non trovata: %1").arg(QDir::toNativeSeparators(dir))};
+    return Error{QStringLiteral("Cartella non trovata: %1").arg(QDir::toNativeSeparators(dir)), kMissingFolder};
 }
+
+// Gathers the failures of a loop that goes on past them.
+struct Failures {
+    QStringList messages;
+    void add(const Status &st)
+    {
+        if (!st && !messages.contains(st.errorMessage()))
+            messages << st.errorMessage();
+    }
+    Status result() const
+    {
+        if (messages.isEmpty())
+            return {};
+        return Status::fail(messages.join(QLatin1Char('\n')));
+    }
+};
 
 }  // namespace
 
@@ -84,20 +101,25 @@ static bool sameContent(const QString &a, const QString &b)
     return fa.readAll() == fb.readAll();
 }
 
-Status copyFileReplacing(const QString &source, const QString &target)
+namespace {
+
+// Copies the pristine table over the working one and gives it the pristine
+// copy's time, so that an untouched table is recognised later.
+Status copyPristineTable(const QString &source, const QString &target)
 {
-    const QString temp = target + QStringLiteral(".new");
-    QFile::remove(temp);
-    if (!QFile::copy(source, temp))
-        return Status::fail(QStringLiteral("Impossibile copiare il file %1.").arg(QDir::toNativeSeparators(source)));
-    if (QFileInfo::exists(target) && !QFile::remove(target)) {
-        QFile::remove(temp);
-        return Status::fail(QStringLiteral("Impossibile sostituire il file %1.").arg(QDir::toNativeSeparators(target)));
-    }
-    if (!QFile::rename(temp, target))
-        return Status::fail(QStringLiteral("Impossibile rinominare il file %1.").arg(QDir::toNativeSeparators(temp)));
+    // A damaged pristine copy is never spread over the working table.
+    if (Status whole = checkDbfFile(source); !whole)
+        return Error{PristineText::kDamagedPristine.arg(QDir::toNativeSeparators(source), whole.errorMessage()),
+                     kDamagedFile};
+    if (auto st = copyFileReplacing(source, target); !st)
+        return st;
+    QFile copied(target);
+    if (copied.open(QIODevice::ReadWrite))
+        copied.setFileTime(QFileInfo(source).lastModified(), QFileDevice::FileModificationTime);
     return {};
 }
+
+}  // namespace
 
 Status restoreThemeTable(const AtlasHome &home, const QString &name)
 {
@@ -113,12 +135,16 @@ Status restoreThemeTable(const AtlasHome &home, const QString &name)
     const QFileInfo dst(target);
     if (dst.isFile() && dst.size() == src.size() && dst.lastModified() == src.lastModified())
         return {};
-    if (auto st = copyFileReplacing(source, target); !st)
-        return st;
-    QFile copied(target);
-    if (copied.open(QIODevice::ReadWrite))
-        copied.setFileTime(src.lastModified(), QFileDevice::FileModificationTime);
-    return {};
+    return copyPristineTable(source, target);
+}
+
+Status repairThemeTable(const AtlasHome &home, const QString &name)
+{
+    const QString table = name + QStringLiteral(".dbf");
+    const QString source = resolveCaseInsensitive(home.originali(), table);
+    if (!QFileInfo(source).isFile())
+        return Status::fail(QStringLiteral("Nessuna copia originale di %1.").arg(table));
+    return copyPristineTable(source, resolveCaseInsensitive(home.italia(), table));
 }
 
 Status restoreAllThemeTables(const AtlasHome &home)
@@ -127,15 +153,15 @@ Status restoreAllThemeTables(const AtlasHome &home)
     if (!QFileInfo(dir).isDir())
         return missingFolder(dir);
     QSet<QString> done;
+    Failures failures;
     for (const QString &file : filesIn(dir)) {
         const QString name = stripExtension(file);
         if (name.isEmpty() || done.contains(name.toLower()))
             continue;
         done.insert(name.toLower());
-        if (auto st = restoreThemeTable(home, name); !st)
-            return st;
+        failures.add(restoreThemeTable(home, name));
     }
-    return {};
+    return failures.result();
 }
 
 Status copyPristineSettings(const AtlasHome &home)
@@ -144,6 +170,7 @@ Status copyPristineSettings(const AtlasHome &home)
     if (!QFileInfo(dir).isDir())
         return missingFolder(dir);
     QDir().mkpath(home.supporto());
+    Failures failures;
     for (const QString &file : filesIn(dir)) {
         if (!file.endsWith(QLatin1String(".ini"), Qt::CaseInsensitive))
             continue;
@@ -153,10 +180,24 @@ Status copyPristineSettings(const AtlasHome &home)
         const QString source = dir + QLatin1Char('/') + file;
         if (sameContent(source, target))
             continue;
-        if (auto st = copyFileReplacing(source, target); !st)
-            return st;
+        failures.add(copyFileReplacing(source, target));
     }
-    return {};
+    return failures.result();
+}
+
+void removeStraySettings(const AtlasHome &home)
+{
+    QSet<QString> pristine;
+    for (const QString &f : filesIn(home.originali(), {QStringLiteral("*.ini"), QStringLiteral("*.INI")}))
+        pristine.insert(f.toLower());
+    for (const QString &f : filesIn(home.supporto())) {
+        const QString lower = f.toLower();
+        const bool stray = (lower.endsWith(QLatin1String(".ini")) && !pristine.contains(lower)
+                            && lower != QLatin1String("stili.ini"))
+                           || lower.endsWith(QLatin1String(".new"));
+        if (stray)
+            QFile::remove(home.supporto() + QLatin1Char('/') + f);
+    }
 }
 
 Status restoreCommunityTable(const AtlasHome &home, const QString &stored, const QString &target)

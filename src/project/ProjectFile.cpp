@@ -5,8 +5,12 @@
 #include "platform/Messages.h"
 #include "platform/Profile.h"
 #include "project/PristineSettings.h"
+#include "platform/dbf/TableCheck.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QStringDecoder>
 #include <QLocale>
 #include <charconv>
 #include <cmath>
@@ -93,47 +97,105 @@ QString settingsNameOfLayer(const QString &layerName)
     return paren < 0 ? layerName : layerName.left(std::max(0, paren - 1));
 }
 
-Result<ProjectContent> parseProject(const QString &text)
-{
-    ProjectContent p;
-    bool seenRlx = false, inRlx = false;
-    std::optional<QString> extent;
-    for (const QString &raw : splitLines(text)) {
+namespace {
+
+// Builds a ProjectContent from the lines of a project, one at a time.
+class ProjectParser {
+public:
+    Status add(const QString &raw)
+    {
         const QString line = raw.trimmed();
         if (line.startsWith(QLatin1Char('['))) {
             const QString name = sectionName(line);
-            inRlx = name.compare(kRlx, Qt::CaseInsensitive) == 0;
-            if (inRlx) {
-                seenRlx = true;
-                continue;
+            m_inRlx = name.compare(kRlx, Qt::CaseInsensitive) == 0;
+            if (m_inRlx) {
+                m_seenRlx = true;
+                return {};
             }
             if (!isPlainName(name))
                 return malformed(QStringLiteral("nome di tema non valido %1").arg(name));
-            p.themes.append({name, {raw}});
-            continue;
+            m_p.themes.append({name, {raw}});
+            return {};
         }
-        if (inRlx) {
+        if (m_inRlx) {
             if (auto kv = keyValue(line)) {
                 if (kv->first.compare(QLatin1String("DBFCOMMONT"), Qt::CaseInsensitive) == 0)
-                    p.dbfCommont = splitFields(kv->second).value(0);
+                    m_p.dbfCommont = splitFields(kv->second).value(0);
                 else if (kv->first.compare(QLatin1String("EXTENT"), Qt::CaseInsensitive) == 0)
-                    extent = kv->second;
+                    m_extent = kv->second;
             }
-        } else if (!p.themes.isEmpty()) {
-            p.themes.last().lines << raw;
+        } else if (!m_p.themes.isEmpty()) {
+            m_p.themes.last().lines << raw;
         } else if (!line.isEmpty()) {
             return malformed(QStringLiteral("testo fuori sezione"));
         }
+        return {};
     }
-    if (!seenRlx)
-        return malformed(QStringLiteral("sezione [RLX] mancante"));
-    if (!extent)
-        return malformed(QStringLiteral("EXTENT mancante"));
-    auto e = parseExtent(*extent);
-    if (!e)
-        return malformed(e.errorMessage());
-    p.extent = *e;
-    return p;
+
+    Result<ProjectContent> finish()
+    {
+        if (!m_seenRlx)
+            return malformed(QStringLiteral("sezione [RLX] mancante"));
+        if (!m_extent)
+            return malformed(QStringLiteral("EXTENT mancante"));
+        auto e = parseExtent(*m_extent);
+        if (!e)
+            return malformed(e.errorMessage());
+        m_p.extent = *e;
+        return std::move(m_p);
+    }
+
+private:
+    ProjectContent m_p;
+    bool m_seenRlx = false, m_inRlx = false;
+    std::optional<QString> m_extent;
+};
+
+QString decodeLine(const QByteArray &bytes)
+{
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = utf8(bytes);
+    return utf8.hasError() ? QString::fromLatin1(bytes) : text;
+}
+
+}  // namespace
+
+Result<ProjectContent> parseProject(const QString &text)
+{
+    ProjectParser parser;
+    for (const QString &raw : splitLines(text))
+        if (Status st = parser.add(raw); !st)
+            return st.error();
+    return parser.finish();
+}
+
+Result<ProjectContent> readProjectFile(const QString &path, const std::function<bool(double)> &progress)
+{
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly))
+        return Result<ProjectContent>::fail(QStringLiteral("Impossibile leggere il file %1.").arg(path));
+    const double size = std::max<qint64>(1, f.size());
+    ProjectParser parser;
+    bool first = true;
+    int lines = 0;
+    while (!f.atEnd()) {
+        QByteArray bytes = f.readLine(kProjectLineLimit);
+        // The rest of an overlong line is skipped.
+        if (!bytes.endsWith('\n'))
+            while (!f.atEnd() && !f.readLine(kProjectLineLimit).endsWith('\n')) {
+            }
+        while (bytes.endsWith('\n') || bytes.endsWith('\r'))
+            bytes.chop(1);
+        QString line = decodeLine(bytes);
+        if (first && line.startsWith(QChar(0xFEFF)))
+            line.remove(0, 1);
+        first = false;
+        if (Status st = parser.add(line); !st)
+            return st.error();
+        if (progress && ++lines % 1000 == 0 && !progress(double(f.pos()) / size))
+            return Result<ProjectContent>::fail(QString(), kProjectCancelled);
+    }
+    return parser.finish();
 }
 
 ProjectFiles::ProjectFiles(AtlasHome home, MapHost &map) : m_home(std::move(home)), m_map(map), m_db(m_home) {}
@@ -172,12 +234,21 @@ Status ProjectFiles::open(const QString &path)
         showMessage(MsgStyle::Exclamation, ProjectText::kBadExtension);
         return Status::fail(ProjectText::kBadExtension);
     }
+    m_created.clear();
+    m_session.notices.clear();
     Status st = openSteps(path);
     if (st)
         return st;
-    showMessage(MsgStyle::Critical, ProjectText::kOpenFailed);
+    // What this opening wrote goes, whether it failed or was cancelled.
+    removeWrittenFiles();
+    // The progress reaches its end (its window closes) before the message.
+    (void)reportProgress(1.0);
+    if (st.error().code != kProjectCancelled)
+        showDetailedMessage(MsgStyle::Critical, ProjectText::kOpenFailed, st.errorMessage());
     // The initial project: pristine settings and the default project's themes.
     m_map.removeAllLayers();
+    m_session = ProjectSession{};
+    m_map.setCaption(kAppTitle);
     if (auto r = restorePristine(); !r)
         return r;
     if (auto r = restoreDefault(); !r)
@@ -185,13 +256,24 @@ Status ProjectFiles::open(const QString &path)
     return st;
 }
 
+bool ProjectFiles::reportProgress(double fraction) const
+{
+    return !m_hooks.progress || m_hooks.progress(std::clamp(fraction, 0.0, 1.0));
+}
+
+void ProjectFiles::removeWrittenFiles()
+{
+    for (const QString &file : std::as_const(m_created))
+        QFile::remove(file);
+    m_created.clear();
+}
+
 Status ProjectFiles::openSteps(const QString &path)
 {
-    // The whole file is read and checked before the map is touched.
-    auto text = readTextFile(path);
-    if (!text)
-        return text.error();
-    auto content = parseProject(*text);
+    // The whole file is read and checked before the map is touched. Reading
+    // is the first fifth of the work, writing the settings files the next
+    // fifth, loading the themes the rest.
+    auto content = readProjectFile(path, [this](double f) { return reportProgress(f * 0.2); });
     if (!content)
         return content.error();
 
@@ -202,10 +284,25 @@ Status ProjectFiles::openSteps(const QString &path)
         return st;
 
     QStringList names;
+    const double sections = std::max<qsizetype>(1, content->themes.size());
+    // The folder is listed once: names are matched without case.
+    QHash<QString, QString> present;
+    for (const QString &f : QDir(m_home.supporto()).entryList(QDir::Files))
+        present.insert(f.toLower(), m_home.supporto() + QLatin1Char('/') + f);
     for (const ProjectContent::Section &s : content->themes) {
-        const QString ini = resolveCaseInsensitive(m_home.supporto(), s.name + QStringLiteral(".ini"));
+        if (!reportProgress(0.2 + 0.2 * names.size() / sections))
+            return Status::fail(QString(), kProjectCancelled);
+        const QString file = s.name + QStringLiteral(".ini");
+        QString ini = present.value(file.toLower());
+        const bool existed = !ini.isEmpty();
+        if (!existed)
+            ini = m_home.supporto() + QLatin1Char('/') + file;
         if (auto st = writeLinesReplacing(ini, s.lines); !st)
             return st;
+        if (!existed) {
+            m_created << ini;
+            present.insert(file.toLower(), ini);
+        }
         names << s.name;
     }
 
@@ -220,9 +317,10 @@ Status ProjectFiles::openSteps(const QString &path)
         (void)restoreCommunity(dbf, perRegion ? QStringLiteral("CMONT_") + tail : QStringLiteral("COMMONT"));
     }
     m_session.regionCode = QStringLiteral("00");
+    m_session.dbfCommont = dbf;
 
     const bool isDefault = path.endsWith(QLatin1String("default.rlx"), Qt::CaseInsensitive);
-    if (auto st = loadThemes(names, isDefault); !st)
+    if (auto st = loadThemes(names, isDefault, 0.4, 1.0); !st)
         return st;
     m_map.setExtent(content->extent);
     m_map.refresh();
@@ -232,6 +330,13 @@ Status ProjectFiles::openSteps(const QString &path)
 
 Status ProjectFiles::restoreDefault()
 {
+    // The initial project is always loaded whole: a cancelled opening that
+    // falls back on it must not cancel it too.
+    struct NoProgress {
+        std::function<bool(double)> &hook;
+        std::function<bool(double)> saved = std::exchange(hook, {});
+        ~NoProgress() { hook = std::move(saved); }
+    } noProgress{m_hooks.progress};
     const QString path = m_home.defaultProject();
     auto text = readTextFile(path);
     if (!text)
@@ -275,12 +380,13 @@ Status ProjectFiles::restoreDefault()
     m_map.setExtent(*extent);
     if (!dbf.isEmpty())
         (void)restoreCommunity(dbf, QStringLiteral("commont"));
+    m_session.dbfCommont = dbf;
 
-    if (auto st = loadThemes(names, true); !st)
-        return st;
+    // Themes that could not be shown are reported after the others are on the map.
+    const Status loaded = loadThemes(names, true);
     m_map.setExtent(*extent);
     m_map.refresh();
-    return {};
+    return loaded;
 }
 
 Status ProjectFiles::clearJoinBookkeeping() const
@@ -295,6 +401,8 @@ Status ProjectFiles::restorePristine() const
 {
     if (auto st = restoreAllThemeTables(m_home); !st)
         return st;
+    // The settings files of the previous project's own themes go.
+    removeStraySettings(m_home);
     return copyPristineSettings(m_home);
 }
 
@@ -307,42 +415,74 @@ Status ProjectFiles::restoreCommunity(const QString &stored, const QString &targ
     return st;
 }
 
-Status ProjectFiles::loadThemes(const QStringList &names, bool defaultProject)
+Status ProjectFiles::addLayerRepairing(const QString &shapefilePath, const QString &layer)
+{
+    Status st = m_map.addLayer(shapefilePath, layer);
+    if (st || st.error().code != kDamagedFile)
+        return st;
+    // A damaged working table is restored from its pristine copy, once.
+    const QString table = QFileInfo(shapefilePath).completeBaseName();
+    if (!QFileInfo(shapefilePath).absolutePath().startsWith(QFileInfo(m_home.italia()).absoluteFilePath())
+        || !repairThemeTable(m_home, table))
+        return st;
+    if (Status again = m_map.addLayer(shapefilePath, layer); !again)
+        return again;
+    m_session.notices << PristineText::kRepaired.arg(table + QStringLiteral(".dbf"));
+    return {};
+}
+
+Result<ProjectFiles::ShownTheme> ProjectFiles::loadTheme(const QString &name, const ThemeLoadOptions &options)
+{
+    auto theme = loadThemeFile(resolveCaseInsensitive(m_home.supporto(), name + QStringLiteral(".ini")), name, options);
+    if (!theme)
+        return theme.error();
+    const ThemeSettings &s = theme->settings;
+    if (s.join.isSet() && m_hooks.rejoin) {
+        if (auto st = m_hooks.rejoin(*theme); !st)
+            return st.error();
+    }
+    if (theme->shapefilePath.isEmpty() || !QFileInfo(theme->shapefilePath).isFile())
+        return Result<ShownTheme>::fail(QStringLiteral("Shapefile non trovato: %1").arg(s.shapefile));
+    const QString layer = s.layerName.isEmpty() ? name : s.layerName;
+    if (auto st = addLayerRepairing(theme->shapefilePath, layer); !st)
+        return st.error();
+    m_map.applySettings(layer, s);
+    if (theme->regionCode)
+        m_session.regionCode = *theme->regionCode;
+    if (theme->indicator) {
+        m_session.indicator = theme->indicator;
+        m_session.indicatorSet = true;
+    }
+    return ShownTheme{layer, labelsShown(s), s.labelField};
+}
+
+Status ProjectFiles::loadThemes(const QStringList &names, bool defaultProject, double progressFrom, double progressTo)
 {
     const ThemeLoadOptions options{m_home.root(), defaultProject};
-    struct Shown {
-        QString layer;
-        bool labels;
-        QString field;
-    };
-    QList<Shown> shown;
-    for (const QString &name : names) {
-        auto theme = loadThemeFile(resolveCaseInsensitive(m_home.supporto(), name + QStringLiteral(".ini")), name,
-                                   options);
-        if (!theme)
+    QList<ShownTheme> shown;
+    QStringList skipped;
+    const double count = std::max<qsizetype>(1, names.size());
+    for (int i = 0; i < names.size(); ++i) {
+        if (!reportProgress(progressFrom + (progressTo - progressFrom) * i / count))
+            return Status::fail(QString(), kProjectCancelled);
+        auto theme = loadTheme(names[i], options);
+        if (theme) {
+            shown.append(*theme);
+            continue;
+        }
+        // A project stops at its first fault; the default project leaves the
+        // faulty theme out and shows the others.
+        if (!defaultProject)
             return theme.error();
-        const ThemeSettings &s = theme->settings;
-        if (s.join.isSet() && m_hooks.rejoin) {
-            if (auto st = m_hooks.rejoin(*theme); !st)
-                return st;
-        }
-        if (theme->shapefilePath.isEmpty() || !QFileInfo(theme->shapefilePath).isFile())
-            return Status::fail(QStringLiteral("Shapefile non trovato: %1").arg(s.shapefile));
-        const QString layer = s.layerName.isEmpty() ? name : s.layerName;
-        if (auto st = m_map.addLayer(theme->shapefilePath, layer); !st)
-            return st;
-        m_map.applySettings(layer, s);
-        if (theme->regionCode)
-            m_session.regionCode = *theme->regionCode;
-        if (theme->indicator) {
-            m_session.indicator = theme->indicator;
-            m_session.indicatorSet = true;
-        }
-        shown.append({layer, labelsShown(s), s.labelField});
+        skipped << ProjectText::kThemeSkipped.arg(names[i], theme.errorMessage());
     }
     m_map.refreshLegend();
-    for (const Shown &s : shown)
-        m_map.setLabels(s.layer, s.labels, s.labels ? s.field : QString());
+    // A layer just added has no labels: only those with labels need a call.
+    for (const ShownTheme &s : shown)
+        if (s.labels)
+            m_map.setLabels(s.layer, true, s.field);
+    if (!skipped.isEmpty())
+        return Status::fail(skipped.join(QLatin1Char('\n')));
     return {};
 }
 

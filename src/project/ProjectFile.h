@@ -23,7 +23,12 @@ inline const QString kOpenFailed =
 inline const QString kCommunityRestoreFailed =
     QStringLiteral("Non è stato possibile ripristinare la tabella delle comunità montane");
 inline const QString kCaptionPrefix = QStringLiteral("Mervola - ");
+// "%1" the theme, "%2" why it was left out.
+inline const QString kThemeSkipped = QStringLiteral("Il tema %1 non è stato caricato. %2");
 }  // namespace ProjectText
+
+// Error code of an opening the user cancelled.
+constexpr int kProjectCancelled = 9200;
 
 // A project file as read, before anything is applied.
 struct ProjectContent {
@@ -40,6 +45,14 @@ struct ProjectContent {
 // non-numeric EXTENT, or a theme section whose name is not a plain file name.
 Result<ProjectContent> parseProject(const QString &text);
 
+// Reads and parses a project file line by line, so that a huge file never
+// sits in memory whole. Lines longer than kProjectLineLimit characters are
+// cut (no settings value is ever read past kProfileBufferSize - 1).
+// `progress` gets the fraction read (0..1) and returns false to cancel.
+constexpr int kProjectLineLimit = 65536;
+Result<ProjectContent> readProjectFile(const QString &path,
+                                       const std::function<bool(double)> &progress = {});
+
 // The extension check of the save and open commands.
 bool hasProjectExtension(const QString &path);
 
@@ -54,6 +67,8 @@ QString settingsNameOfLayer(const QString &layerName);
 // State that opening a project leaves for the main window.
 struct ProjectSession {
     QString regionCode = QStringLiteral("00");
+    QString dbfCommont;                // first field of DBFCOMMONT as the project gave it
+    QStringList notices;               // things the user is told (tables repaired)
     std::optional<QString> indicator;  // set by a mountain-community theme
     bool indicatorSet = false;
 };
@@ -65,6 +80,9 @@ struct ProjectHooks {
     // Restores a mountain-community table from the stored one; defaults to
     // restoreCommunityTable() of the atlas home.
     std::function<Status(const QString &stored, const QString &target)> restoreCommunityTable;
+    // Reports how far an opening has got (0..1); returning false cancels it.
+    // The opening then removes what it wrote and brings back the initial project.
+    std::function<bool(double)> progress;
 };
 
 class ProjectFiles {
@@ -85,7 +103,9 @@ public:
     // brings back the initial project. Returns the failure in both cases.
     Status open(const QString &path);
 
-    // Restores the default project (supporto/default.rlx) onto the map.
+    // Restores the default project (supporto/default.rlx) onto the map. A
+    // theme that cannot be shown is left out and the others are loaded; the
+    // failure returned then names each theme left out and why.
     Status restoreDefault();
 
 private:
@@ -93,13 +113,23 @@ private:
     Status clearJoinBookkeeping() const;
     Status restorePristine() const;
     Status restoreCommunity(const QString &stored, const QString &target);
-    Status loadThemes(const QStringList &names, bool defaultProject);
+    Status loadThemes(const QStringList &names, bool defaultProject, double progressFrom = 0, double progressTo = 1);
+    struct ShownTheme {
+        QString layer;
+        bool labels = false;
+        QString field;
+    };
+    Result<ShownTheme> loadTheme(const QString &name, const ThemeLoadOptions &options);
+    Status addLayerRepairing(const QString &shapefilePath, const QString &layer);
+    bool reportProgress(double fraction) const;
+    void removeWrittenFiles();
 
     AtlasHome m_home;
     MapHost &m_map;
     ReferenceDb m_db;
     ProjectHooks m_hooks;
     ProjectSession m_session;
+    QStringList m_created;  // settings files the current opening created
 };
 
 }  // namespace mervola

@@ -5,6 +5,7 @@
 #include "project/ReferenceDb.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace mervola {
 
@@ -24,33 +25,6 @@ void copyIfPresent(QStringList &out, const ThemeSettings &old, ThemeKey key)
 }
 
 }  // namespace
-
-QStringList newThemeFileLines(const LayerState &layer, const std::optional<JoinFields> &join,
-                              const std::optional<QStringList> &structJoin)
-{
-    QStringList out;
-    out << QLatin1Char('[') + layer.name + QLatin1Char(']');
-    out << line(ThemeKey::Join, join ? join->format() : kNoJoin);
-    const bool hasStruct = structJoin && !structJoin->isEmpty();
-    // The join and new-theme writers put a blank before "=" on this key.
-    out << QStringLiteral("STRUCTJOIN =") + (hasStruct ? joinFields(*structJoin) : QStringLiteral("*^"));
-    out << line(ThemeKey::Workspace, layer.folder);
-    out << line(ThemeKey::Base, layer.baseName + QStringLiteral(".shp^") + layer.name + QLatin1Char('^'));
-    out << QStringLiteral("LABEL=*");
-    out << line(ThemeKey::Simbolo, layer.symbol.format());
-    out << QStringLiteral("TIPOCLASSIFICAZIONE=0");
-    out << QStringLiteral("CAMPO=0^0^0^0^");
-    out << QStringLiteral("CLASSIFICAZIONE=0");
-    out << line(ThemeKey::Outline, flag(layer.outline));
-    out << line(ThemeKey::Visibile, flag(layer.visible));
-    return out;
-}
-
-Status writeNewThemeFile(const QString &iniPath, const LayerState &layer, const std::optional<JoinFields> &join,
-                         const std::optional<QStringList> &structJoin)
-{
-    return writeLinesReplacing(iniPath, newThemeFileLines(layer, join, structJoin));
-}
 
 Result<QStringList> afterJoinLines(const ThemeSettings &old, const LayerState &layer, const QString &shapefile,
                                    const QStringList &addedFields, const ReferenceDb &db)
@@ -95,38 +69,24 @@ Status rewriteAfterJoin(const QString &iniPath, const LayerState &layer, const Q
     return writeLinesReplacing(iniPath, *lines);
 }
 
-QStringList resetLines(const ThemeSettings &old, const QString &themeName, bool visible)
-{
-    QStringList out;
-    out << QLatin1Char('[') + themeName.toUpper() + QLatin1Char(']');
-    copyIfPresent(out, old, ThemeKey::Join);
-    // A one-character STRUCTJOIN is not a list of fields and is dropped.
-    if (old.has(ThemeKey::StructJoin) && old.rawValue(ThemeKey::StructJoin).size() != 1)
-        out << line(ThemeKey::StructJoin, old.rawValue(ThemeKey::StructJoin));
-    copyIfPresent(out, old, ThemeKey::Workspace);
-    copyIfPresent(out, old, ThemeKey::Base);
-    const QString symbol = defaultSymbolValue(themeName);
-    if (!symbol.isEmpty())
-        out << line(ThemeKey::Simbolo, symbol);
-    out << QStringLiteral("LABEL=*");
-    out << QStringLiteral("TIPOCLASSIFICAZIONE=0");
-    out << QStringLiteral("CAMPO=0^0^0^0^");
-    out << QStringLiteral("CLASSIFICAZIONE=0");
-    out << QStringLiteral("OUTLINE=1");
-    out << line(ThemeKey::Visibile, flag(visible));
-    return out;
-}
-
-Status resetThemeFile(const QString &iniPath, const QString &themeName, bool visible)
-{
-    return writeLinesReplacing(iniPath, resetLines(readThemeSettingsFile(iniPath, themeName), themeName, visible));
-}
-
 Result<LoadedTheme> loadThemeFile(const QString &iniPath, const QString &themeName, const ThemeLoadOptions &options)
 {
+    // Nothing is written back unless the file could be read and names the
+    // theme's shapefile: a stripped copy would lose the user's settings.
+    auto text = readTextFile(iniPath);
+    if (!text || QFileInfo(iniPath).isDir())
+        return Error{SettingsText::kUnreadable.arg(QDir::toNativeSeparators(iniPath))};
+    const ProfileFile profile = ProfileFile::fromText(*text);
+    bool hasSection = false;
+    for (const QString &section : profile.sections())
+        hasSection = hasSection || section.compare(themeName.trimmed(), Qt::CaseInsensitive) == 0;
+    if (!hasSection)
+        return Error{SettingsText::kNoSection.arg(QDir::toNativeSeparators(iniPath), themeName)};
     LoadedTheme t;
-    t.settings = readThemeSettingsFile(iniPath, themeName);
+    t.settings = readThemeSettings(profile, themeName);
     ThemeSettings &s = t.settings;
+    if (s.shapefile.trimmed().isEmpty())
+        return Error{SettingsText::kNoBase.arg(QDir::toNativeSeparators(iniPath))};
     if (options.defaultProject) {
         // The default project always draws from the atlas home's own data.
         s.raw[size_t(ThemeKey::Workspace)] = options.home + QStringLiteral("/italia");

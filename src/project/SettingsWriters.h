@@ -13,6 +13,15 @@ namespace mervola {
 
 class ReferenceDb;
 
+namespace SettingsText {
+// "%1" the settings file.
+inline const QString kUnreadable = QStringLiteral("Impossibile leggere il file delle impostazioni %1.");
+// "%1" the settings file, "%2" the theme.
+inline const QString kNoSection = QStringLiteral("Il file delle impostazioni %1 non contiene la sezione [%2].");
+inline const QString kNoBase =
+    QStringLiteral("Il file delle impostazioni %1 non indica lo shapefile del tema (chiave BASE).");
+}  // namespace SettingsText
+
 // What the writers need to know about a theme's map layer.
 struct LayerState {
     QString name;      // the layer's name as the map carries it
@@ -25,14 +34,6 @@ struct LayerState {
     QString labelField;
 };
 
-// Lines of a new theme file for a layer just added to the map. The stored
-// join and joined fields are written when the caller has them.
-QStringList newThemeFileLines(const LayerState &layer, const std::optional<JoinFields> &join = std::nullopt,
-                              const std::optional<QStringList> &structJoin = std::nullopt);
-Status writeNewThemeFile(const QString &iniPath, const LayerState &layer,
-                         const std::optional<JoinFields> &join = std::nullopt,
-                         const std::optional<QStringList> &structJoin = std::nullopt);
-
 // Rewrites a theme's file after a join: JOIN from the LISTAJOIN row of
 // `shapefile` (every field "-1" when there is none), STRUCTJOIN from the
 // fields the join added, the classification reset because the table changed.
@@ -41,11 +42,6 @@ Result<QStringList> afterJoinLines(const ThemeSettings &old, const LayerState &l
                                    const QStringList &addedFields, const ReferenceDb &db);
 Status rewriteAfterJoin(const QString &iniPath, const LayerState &layer, const QString &shapefile,
                         const QStringList &addedFields, const ReferenceDb &db);
-
-// Resets a theme to the defaults of its name prefix, keeping JOIN, WORKSPACE,
-// BASE and (unless it is a single character) STRUCTJOIN.
-QStringList resetLines(const ThemeSettings &old, const QString &themeName, bool visible);
-Status resetThemeFile(const QString &iniPath, const QString &themeName, bool visible);
 
 struct ThemeLoadOptions {
     QString home;                 // the atlas home
@@ -62,6 +58,8 @@ struct LoadedTheme {
 
 // Loads a theme from its file: reads the keys in file order and writes the
 // normalised copy (every key present, in the standard order) in its place.
+// A file that cannot be read, lacks the theme's section or names no
+// shapefile fails with a message naming it, and is left untouched.
 // The caller adds the layer and applies the returned settings to it.
 Result<LoadedTheme> loadThemeFile(const QString &iniPath, const QString &themeName, const ThemeLoadOptions &options);
 

@@ -200,13 +200,4 @@ bool isMountainCommunityTheme(const QString &themeName)
 
 bool isMunicipalityTheme(const QString &themeName) { return themeName.left(4).toUpper() == QLatin1String("COMU"); }
 
-QString defaultSymbolValue(const QString &themeName)
-{
-    if (isMountainCommunityTheme(themeName))
-        return QStringLiteral("2^0^0^56320^33554432^");
-    if (isMunicipalityTheme(themeName))
-        return QStringLiteral("2^0^0^16776960^33554432^");
-    return QString();
-}
-
 }  // namespace mervola

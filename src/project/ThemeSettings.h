@@ -133,7 +133,5 @@ QString formatClassItems(const QList<ClassItem> &items);
 // Theme-name prefixes that decide defaults (first four characters, upper-cased).
 bool isMountainCommunityTheme(const QString &themeName);  // "CMON" or "COMM"
 bool isMunicipalityTheme(const QString &themeName);       // "COMU"
-// The default SIMBOLO value of a theme's prefix; empty for other themes.
-QString defaultSymbolValue(const QString &themeName);
 
 }  // namespace mervola

@@ -79,7 +79,7 @@ private slots:
     {
         QString title, filter;
         const Status s = runExportCommand(squareModel(), squareModel().extent(), QSize(20, 20),
-                                          [&](QString t, QString f) {
+                                          [&](QString t, QString f, QString *) {
                                               title = t;
                                               filter = f;
                                               return QString();
@@ -129,7 +129,7 @@ private slots:
         recorder.script(MsgAnswer(answer));
         const map::MapModel model = squareModel();
         const Status s =
-            runExportCommand(model, model.extent(), QSize(40, 30), [&](QString, QString) { return chosen; });
+            runExportCommand(model, model.extent(), QSize(40, 30), [&](QString, QString, QString *) { return chosen; });
         QVERIFY2(s.ok(), qPrintable(s.errorMessage()));
 
         QCOMPARE(recorder.entries().size(), asked ? 1 : 0);
@@ -156,7 +156,7 @@ private slots:
         write(dir.filePath(QStringLiteral("mappa.gif")), "GIF89a");
         MessageRecorder recorder;
         const map::MapModel model = squareModel();
-        const Status s = runExportCommand(model, model.extent(), QSize(40, 30), [&](QString, QString) {
+        const Status s = runExportCommand(model, model.extent(), QSize(40, 30), [&](QString, QString, QString *) {
             return dir.filePath(QStringLiteral("mappa.gif"));
         });
         QVERIFY(!s.ok());

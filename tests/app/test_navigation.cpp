@@ -2,7 +2,7 @@
 // and the exit questions.
 #include "app/CommandTable.h"
 #include "app/ExitFlow.h"
-#include "app/Regions.h"
+#include "project/Regions.h"
 #include "app/Scale.h"
 #include "app/Stack.h"
 #include "app/Twips.h"

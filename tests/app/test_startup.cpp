@@ -1,8 +1,10 @@
 // The start-up steps that need no window, run against a tiny atlas home.
 #include "app/Startup.h"
+#include "platform/InstanceLock.h"
 #include "platform/Messages.h"
 #include "project/SettingsFixture.h"
 
+#include <QFileInfo>
 #include <QtTest>
 
 using namespace mervola;
@@ -53,7 +55,7 @@ private slots:
         FakeMap map;
         QVERIFY(Startup(h.home, state).prepareMap(map));
         QVERIFY(!h.text("supporto/comuni.ini").contains("LABEL=NOME"));
-        QCOMPARE(readFile(h.home.italia() + "/commont.dbf"), QByteArray("pristine commont"));
+        QCOMPARE(readFile(h.home.italia() + "/commont.dbf"), tinyDbf("pristine commont"));
         QVERIFY(map.find("comuni")->settings.visible);
     }
 
@@ -107,13 +109,13 @@ private slots:
     void secondInstanceIsRefused()
     {
         TinyHome h;
-        AppState state;
-        Startup s(h.home, state);
-        auto first = s.acquireInstanceLock();
-        QVERIFY(first);
-        QVERIFY(!s.acquireInstanceLock());
+        auto first = std::make_unique<InstanceLock>(h.home.root());
+        QCOMPARE(first->acquire(), InstanceLock::State::Held);
+        InstanceLock second(h.home.root());
+        QCOMPARE(second.acquire(), InstanceLock::State::InUse);
         first.reset();
-        QVERIFY(s.acquireInstanceLock());
+        QVERIFY(!QFileInfo::exists(h.home.root() + QStringLiteral("/.mervola.lock")));
+        QCOMPARE(second.acquire(), InstanceLock::State::Held);
     }
 };
 

@@ -69,6 +69,8 @@ private slots:
     void sizeGates_data();
     void sizeGates();
     void uniqueTextValuesSortWithoutCase();
+    void countsFollowTheMapsColouring_data();
+    void countsFollowTheMapsColouring();
 };
 
 void TestMethods::quantileBreaks_data()
@@ -260,6 +262,40 @@ void TestMethods::uniqueTextValuesSortWithoutCase()
     QCOMPARE(counts(o.classification), (QList<int>{1, 2, 1}));
     QVERIFY(o.classification.uniqueValues);
     QCOMPARE(tipoValue(o.classification), kUnico);
+}
+
+// Each value is counted in the class the map colours it with: the first
+// class whose upper limit is not below it, the last class above every limit.
+void TestMethods::countsFollowTheMapsColouring_data()
+{
+    QTest::addColumn<QString>("classes");  // CLASSIFICAZIONE value texts, "|"-separated
+    QTest::addColumn<bool>("unique");
+    QTest::addColumn<QList<int>>("counts");
+    // Values: 1, 4, 5, 9, 10, 50.7, 120 and a Null.
+    QTest::newRow("limits typed inside the data") << "5 - 9|9,5 - 50" << false << QList<int>{4, 3};
+    QTest::newRow("limits that do not rise") << "0 - 50|0 - 4" << false << QList<int>{5, 2};
+    QTest::newRow("one class takes everything") << "20 - 30" << false << QList<int>{7};
+    QTest::newRow("unique decimal value") << "50,7|4|3" << true << QList<int>{1, 1, 0};
+}
+
+void TestMethods::countsFollowTheMapsColouring()
+{
+    QFETCH(QString, classes);
+    QFETCH(bool, unique);
+    QFETCH(QList<int>, counts);
+    std::vector<ClassRange> ranges;
+    for (const QString &text : classes.split(QLatin1Char('|'))) {
+        ClassRange r;
+        r.valueText = text;
+        if (!unique)
+            QVERIFY(parseRangeText(text, &r.lower, &r.upper));
+        ranges.push_back(r);
+    }
+    countElements(numbers({1, 4, 5, 9, 10, 50.7, 120, N}), ranges, unique);
+    QList<int> got;
+    for (const ClassRange &r : ranges)
+        got << r.count;
+    QCOMPARE(got, counts);
 }
 
 QTEST_GUILESS_MAIN(TestMethods)

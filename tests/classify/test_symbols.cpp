@@ -3,7 +3,6 @@
 #include "classify/ColorRamp.h"
 #include "classify/LimitsEdit.h"
 #include "classify/Methods.h"
-#include "classify/Ripristina.h"
 #include "platform/Messages.h"
 
 #include <QtTest>
@@ -54,8 +53,6 @@ private slots:
     void classItemsRoundTrip_data();
     void classItemsRoundTrip();
     void shortClassItemsDefaultToDrawnAndOutlined();
-    void restoreKeepsSavedSymbolsAndLabels();
-    void restorePersonaliReadsTypedLimits();
     void limitKeyFilter_data();
     void limitKeyFilter();
     void leavingLowerBox_data();
@@ -215,41 +212,6 @@ void TestSymbols::shortClassItemsDefaultToDrawnAndOutlined()
     QVERIFY(!classificationFromSettings(QStringLiteral("0"), QStringLiteral("0^0^0^0^"), QStringLiteral("0")));
     QCOMPARE(classificazioneValue({}), QStringLiteral("0"));
     QCOMPARE(campoValue(Classification{}), QStringLiteral("0^0^0^0^"));
-}
-
-void TestSymbols::restoreKeepsSavedSymbolsAndLabels()
-{
-    const FieldColumn col = column({1, 2, 3, 4, 5, 6, 7, 8, 9, 10});
-    Classification saved = methodById(kQuantile)->classes(col, 5, 0).classification;
-    saved.classes[1].label = QStringLiteral("media");
-    saved.classes[1].fillColor = 42;
-    saved.classes[2].drawn = false;
-    const auto items = classificazioneValue(saved.classes);
-    auto loaded = classificationFromSettings(tipoValue(saved), campoValue(saved), items);
-    QVERIFY(loaded);
-    MessageRecorder rec;
-    const Classification restored = restoreClassification(col, *loaded);
-    QVERIFY(rec.entries().isEmpty());
-    QCOMPARE(restored.classes.size(), saved.classes.size());
-    QCOMPARE(restored.classes[1].label, QStringLiteral("media"));
-    QCOMPARE(restored.classes[1].fillColor, 42);
-    QVERIFY(!restored.classes[2].drawn);
-    QCOMPARE(restored.classes[4].count, 2);
-}
-
-void TestSymbols::restorePersonaliReadsTypedLimits()
-{
-    Classification saved;
-    saved.method = kPersonali;
-    saved.field = QStringLiteral("I010");
-    saved.classes = parseClassificazione(QStringLiteral("0^0 - 4^1^255^bassa^0^1^|0^4,5 - 20^1^65280^alta^0^1^|"));
-    const Classification r = restoreClassification(column({0, 1, 4, 4.2, 5, 20, 21}), saved);
-    QCOMPARE(r.method, kPersonali);
-    QCOMPARE(r.classes[1].lower, 4.5);
-    QCOMPARE(r.classes[1].upper, 20.0);
-    QCOMPARE(r.classes[0].count, 3);
-    QCOMPARE(r.classes[1].count, 3);  // 4,2 falls between the typed limits: it joins the next class
-    QCOMPARE(r.classes[1].label, QStringLiteral("alta"));
 }
 
 void TestSymbols::limitKeyFilter_data()

@@ -3,7 +3,6 @@
 #include "atlas/AtlasBuilder.h"
 #include "classify/ClassItems.h"
 #include "classify/ColumnReader.h"
-#include "classify/Ripristina.h"
 #include "classify/ThemeClassify.h"
 #include "platform/AtlasHome.h"
 #include "platform/Messages.h"
@@ -80,13 +79,6 @@ void TestThemeField::methods()
     QCOMPARE(json.value(QStringLiteral("status")).toString(), QStringLiteral("ok"));
     QCOMPARE(json.value(QStringLiteral("classes")).toArray().size(), int(c.classes.size()));
 
-    // What the settings file keeps rebuilds the same classes without questions.
-    rec.clear();
-    const auto saved = classificationFromSettings(tipoValue(c), campoValue(c), classificazioneValue(c.classes));
-    QVERIFY(saved);
-    const Classification restored = restoreClassification(*col, *saved);
-    QVERIFY(rec.entries().isEmpty());
-    QCOMPARE(restored.classes, c.classes);
 }
 
 void TestThemeField::unknownFieldIsAnError()

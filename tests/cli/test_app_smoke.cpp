@@ -1,10 +1,13 @@
 // The application run as a user runs it: start-up to the first painted map,
-// and the refusal of a second copy on the same atlas home.
+// the refusal of a second copy on the same atlas home, and the lock files,
+// read-only homes and full disks a user really meets.
+#include "support/MountSupport.h"
 #include "support/TestSupport.h"
 
 #include <QDirIterator>
 #include <QLockFile>
 #include <QProcess>
+#include <QSysInfo>
 #include <QtTest>
 
 using namespace mervola;
@@ -85,6 +88,101 @@ private slots:
         QVERIFY(runApp(m_home, &err) != 0);
         QVERIFY2(err.contains(QStringLiteral("L'applicazione è già in esecuzione.")), qPrintable(err));
         QCOMPARE(snapshot(m_home), before);
+    }
+
+    // Whatever a lock file holds, it is taken over when no live process
+    // holds it; the program starts and leaves no lock behind.
+    void leftoverLocksAreTakenOver_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<bool>("old");
+        const QByteArray host = QSysInfo::machineHostName().toUtf8();
+        QTest::newRow("vuoto") << QByteArray() << false;
+        QTest::newRow("spazzatura") << QByteArray("\x00\xff\xfe garbage\n\x01", 12) << false;
+        QTest::newRow("altro host") << QByteArray("4242\nMervola\naltro-calcolatore\n") << false;
+        QTest::newRow("vecchio") << QByteArray("999999\nMervola\n" + host + "\n") << true;
+        // A home copied while the program ran: the lock names a live process
+        // (this test), which holds nothing on this copy.
+        QTest::newRow("copia di una cartella in uso")
+            << QByteArray::number(QCoreApplication::applicationPid()) + "\nMervola\n" + host + "\n" << false;
+    }
+
+    void leftoverLocksAreTakenOver()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(bool, old);
+        const QString lock = m_home + QStringLiteral("/.mervola.lock");
+        QVERIFY(test::writeFile(lock, content));
+        if (old) {
+            QFile f(lock);
+            QVERIFY(f.open(QIODevice::ReadWrite));
+            QVERIFY(f.setFileTime(QDateTime(QDate(2019, 3, 1), QTime(8, 0)), QFileDevice::FileModificationTime));
+        }
+        QString err;
+        QCOMPARE(runApp(m_home, &err), 0);
+        QVERIFY2(err.contains(QStringLiteral("Mappa disegnata")), qPrintable(err));
+        QVERIFY2(!err.contains(QStringLiteral("già in esecuzione")), qPrintable(err));
+        QVERIFY(!QFileInfo::exists(lock));
+    }
+
+    void folderInPlaceOfTheLockIsMovedAside()
+    {
+        const QString lock = m_home + QStringLiteral("/.mervola.lock");
+        QVERIFY(QDir().mkpath(lock));
+        QString err;
+        QCOMPARE(runApp(m_home, &err), 0);
+        QVERIFY(!QFileInfo::exists(lock));
+
+        // A folder with content is kept, under another name.
+        QVERIFY(test::writeFile(lock + QStringLiteral("/appunti.txt"), "da tenere"));
+        QCOMPARE(runApp(m_home, &err), 0);
+        QVERIFY2(!err.contains(QStringLiteral("già in esecuzione")), qPrintable(err));
+        const QStringList aside =
+            QDir(m_home).entryList({QStringLiteral(".mervola.lock.cartella-*")}, QDir::Dirs | QDir::Hidden);
+        QCOMPARE(aside.size(), 1);
+        QCOMPARE(test::readFile(m_home + QLatin1Char('/') + aside.first() + QStringLiteral("/appunti.txt")),
+                 QByteArray("da tenere"));
+        QDir(m_home + QLatin1Char('/') + aside.first()).removeRecursively();
+    }
+
+    void readOnlyHomeIsNamedInItsOwnMessage()
+    {
+        if (!test::ScopedMount::available())
+            QSKIP("mounting is not allowed here");
+        QTemporaryDir dir;
+        const QString home = dir.filePath(QStringLiteral("italia"));
+        QVERIFY(test::copyRealAtlas(home));
+        const QString view = dir.filePath(QStringLiteral("sola-lettura"));
+        test::ScopedMount ro;
+        QVERIFY(ro.readOnlyView(home, view));
+        QString err;
+        QCOMPARE(runApp(view, &err), 1);
+        QVERIFY2(err.contains(QStringLiteral("Mervola: Impossibile scrivere nella cartella dell'atlante ") + view
+                              + QStringLiteral(": il disco è in sola lettura.\n")),
+                 qPrintable(err));
+        QVERIFY2(!err.contains(QStringLiteral("già in esecuzione")), qPrintable(err));
+    }
+
+    void fullDiskIsNamedInItsOwnMessage()
+    {
+        if (!test::ScopedMount::available())
+            QSKIP("mounting is not allowed here");
+        QTemporaryDir dir;
+        const QString real = dir.filePath(QStringLiteral("reale"));
+        QVERIFY(test::copyRealAtlas(real));
+        const QString disk = dir.filePath(QStringLiteral("disco"));
+        test::ScopedMount mount;
+        QVERIFY(mount.tmpfs(disk, test::folderSize(real) + 8 * 1024 * 1024));
+        const QString home = disk + QStringLiteral("/italia");
+        QVERIFY(test::copyRealAtlas(home));
+        QVERIFY(test::fillDisk(disk));
+        QString err;
+        QCOMPARE(runApp(home, &err), 1);
+        QVERIFY2(err.contains(QStringLiteral("Mervola: Impossibile scrivere nella cartella dell'atlante ") + home
+                              + QStringLiteral(": il disco è pieno.\n")),
+                 qPrintable(err));
+        QVERIFY2(!err.contains(QStringLiteral("già in esecuzione")), qPrintable(err));
+        QVERIFY(!QFileInfo::exists(home + QStringLiteral("/.mervola.lock")));
     }
 
     void startsAgainWithoutPristineSettings()

@@ -96,6 +96,43 @@ private slots:
         QVERIFY(err.contains(QStringLiteral("Impossibile")));
         QVERIFY(render({}, m_dir.path() + QStringLiteral("/x.jpg"), &err) != 0);
         QVERIFY(!QFile::exists(m_dir.path() + QStringLiteral("/x.jpg")));
+
+        // A text file is no project, even one holding a project's lines.
+        const QString text = m_dir.path() + QStringLiteral("/progetto.txt");
+        QVERIFY(QFile::copy(m_home + QStringLiteral("/supporto/default.rlx"), text));
+        const QString out = m_dir.path() + QStringLiteral("/t.png");
+        QCOMPARE(render({QStringLiteral("--project"), text}, out, &err), 2);
+        QCOMPARE(err, QStringLiteral("mervola-cli: L'estensione del file di progetto non è corretta.\n"));
+        QVERIFY(!QFile::exists(out));
+    }
+
+    // A table cut short is named, never drawn in part.
+    void damagedTableIsRefused()
+    {
+        QTemporaryDir dir;
+        const QString home = dir.filePath(QStringLiteral("italia"));
+        QVERIFY(test::copyRealAtlas(home));
+        const QString dbf = home + QStringLiteral("/italia/comuni.dbf");
+        const QByteArray whole = test::readFile(dbf);
+        QVERIFY(test::writeFile(dbf, whole.left(whole.size() / 2)));
+        // Whole records left: (half the file - header) / record length.
+        const auto le16 = [&](int at) { return int(uchar(whole[at])) | int(uchar(whole[at + 1])) << 8; };
+        const int complete = int((whole.size() / 2 - le16(8)) / le16(10));
+        const QString out = dir.filePath(QStringLiteral("mappa.png"));
+        QString err;
+        QCOMPARE(test::runProgram(QStringLiteral(MERVOLA_CLI),
+                                  {QStringLiteral("render"), QStringLiteral("--home"), home, QStringLiteral("--out"), out},
+                                  nullptr, &err),
+                 2);
+        QCOMPARE(err, QStringLiteral("mervola-cli: Il file comuni.dbf è danneggiato: contiene %1 record completi su 7.899.\n")
+                          .arg(QLocale(QLocale::Italian).toString(complete)));
+        QVERIFY(!QFile::exists(out));
+        QCOMPARE(test::runProgram(QStringLiteral(MERVOLA_CLI),
+                                  {QStringLiteral("sql"), QStringLiteral("--folder"), home + QStringLiteral("/italia"),
+                                   QStringLiteral("SELECT COUNT(*) FROM comuni")},
+                                  nullptr, &err),
+                 2);
+        QVERIFY2(err.contains(QStringLiteral("Il file comuni.dbf è danneggiato")), qPrintable(err));
     }
 };
 

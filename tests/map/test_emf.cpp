@@ -2,6 +2,7 @@
 // fields, record sizes adding up to the file, object handles used only while
 // they exist, and the records a map drawing produces.
 #include "map/emf/EmfDevice.h"
+#include "map/emf/EmfPaintEngine.h"
 #include "map/emf/EmfRecords.h"
 #include "map/MapRenderer.h"
 #include "test_map_fixtures.h"
@@ -155,11 +156,14 @@ private slots:
         QVERIFY(!recs.isEmpty());
         for (int t : types)
             QVERIFY2(!ofType(recs, std::uint32_t(t)).isEmpty(), qPrintable(QStringLiteral("record %1").arg(t)));
-        // Every brush is solid or null; pens are drawn solid when wide.
+        // Every brush is solid or null; pens have a width and are drawn
+        // solid when wider than a pixel.
         for (const Record &r : ofType(recs, EMR_CREATEBRUSHINDIRECT))
             QCOMPARE(u32(b, r.offset + 12), std::uint32_t(BS_SOLID));
-        for (const Record &r : ofType(recs, EMR_CREATEPEN))
-            QVERIFY(i32(b, r.offset + 16) == 0 || u32(b, r.offset + 12) == PS_SOLID);
+        for (const Record &r : ofType(recs, EMR_CREATEPEN)) {
+            QVERIFY(i32(b, r.offset + 16) > 0);
+            QVERIFY(i32(b, r.offset + 16) <= EmfPaintEngine::kUnitsPerPixel || u32(b, r.offset + 12) == PS_SOLID);
+        }
     }
 
     void polygonPointsAreInSixteenthsOfAPixel()

@@ -98,18 +98,6 @@ private slots:
             QCOMPARE(colorToValue(color), value);
     }
 
-    void rampHasEvenStepsBothEndsIncluded()
-    {
-        // "Da giallo a blu": (255,255,0) to (13,0,130) over 3 classes.
-        const auto ramp = colorRamp(65535, 8519693, 3);
-        QCOMPARE(ramp.size(), std::size_t(3));
-        QCOMPARE(colorFromValue(ramp[0]), QColor(255, 255, 0));
-        QCOMPARE(colorFromValue(ramp[1]), QColor(134, 128, 65));
-        QCOMPARE(colorFromValue(ramp[2]), QColor(13, 0, 130));
-        QCOMPARE(colorRamp(65535, 255, 1), std::vector<std::int32_t>{255});
-        QVERIFY(colorRamp(0, 255, 0).empty());
-    }
-
     void classBreaksAssignUpperLimits_data()
     {
         QTest::addColumn<double>("value");
@@ -132,7 +120,7 @@ private slots:
         QCOMPARE(r.classOf(value), klass);
     }
 
-    void breakCountKeepsSymbolsAndRampRecolours()
+    void breakCountKeepsSymbols()
     {
         ClassBreaksRenderer r;
         r.setBreakCount(2);
@@ -141,9 +129,6 @@ private slots:
         r.setBreakCount(4);
         QCOMPARE(r.breakValue(0), 5.0);
         QCOMPARE(r.symbol(0).outline, false);
-        r.rampColors(14671871, 255);
-        QCOMPARE(r.symbol(0).color, 14671871);
-        QCOMPARE(r.symbol(3).color, 255);
     }
 
     void labelFieldDummyDrawsNothing_data()

@@ -132,34 +132,6 @@ private slots:
         QVERIFY(!hasVisibleTheme(map::MapModel()));
     }
 
-    void legendTakesClassesAndCounts()
-    {
-        MapPageContent pageContent = stripePage(QPageLayout::Portrait);
-        QCOMPARE(int(pageContent.legend.size()), 1);
-        const MapPageTheme &t = pageContent.legend[0];
-        QCOMPARE(t.alias, QStringLiteral("Comunità montane"));
-        QCOMPARE(int(t.classes.size()), 4);
-        QCOMPARE(t.classes[0].label, QStringLiteral("1 - 1"));
-        QCOMPARE(t.classes[2].label, QStringLiteral("2 - 3"));
-        for (int i = 0; i < 4; ++i) {
-            QCOMPARE(t.classes[size_t(i)].count, 1);
-            QCOMPARE(t.classes[size_t(i)].fill, map::colorFromValue(kStripeColors[i]));
-        }
-    }
-
-    void classLabelsUseTheDecimalComma()
-    {
-        MapPageContent pageContent = stripePage(QPageLayout::Portrait);
-        auto &cb = std::get<map::ClassBreaksRenderer>(pageContent.model.layer(0).renderer);
-        cb.setBreak(0, 1.25);
-        cb.setBreak(1, 2.5);
-        const auto legend = legendFromModel(pageContent.model);
-        QCOMPARE(legend[0].classes[0].label, QStringLiteral("1 - 1,25"));
-        QCOMPARE(legend[0].classes[1].label, QStringLiteral("1,25 - 2,5"));
-        QCOMPARE(legend[0].classes[0].count, 1);
-        QCOMPARE(legend[0].classes[1].count, 1);
-    }
-
     void layoutKeepsTheExtentShape_data()
     {
         QTest::addColumn<bool>("landscape");

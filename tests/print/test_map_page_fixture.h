@@ -51,7 +51,13 @@ inline MapPageContent stripePage(QPageLayout::Orientation orientation, double wi
     layer.renderer = map::ClassBreaksRenderer::fromClasses(QStringLiteral("VAL"), classes);
     pageContent.model.addLayer(layer);
     pageContent.extent = map::MapRect(0, height, width, 0);
-    pageContent.legend = legendFromModel(pageContent.model, [](const QString &) { return QStringLiteral("Comunità montane"); });
+    LegendEntry legend;
+    legend.layerName = layer.name;
+    legend.alias = QStringLiteral("Comunità montane");
+    for (int i = 0; i < 4; ++i)
+        legend.classes.push_back({map::colorFromValue(kStripeColors[i]), Qt::black,
+                                  QStringLiteral("%1 - %2").arg(i).arg(i + 1), 1});
+    pageContent.legend = {legend};
     return pageContent;
 }
 

@@ -76,6 +76,21 @@ public:
 };
 
 // dati/ with an empty reference database, italia/, originali/, supporto/.
+// A whole dBase table of one text field LABEL and one record.
+inline QByteArray tinyDbf(const QByteArray &label)
+{
+    QByteArray header(32, '\0');
+    header[0] = 0x03;
+    header[4] = 1;                // records
+    header[8] = 65;               // header length: 32 + one field + 0x0D
+    header[10] = 21;              // record length: deletion flag + 20
+    QByteArray field(32, '\0');
+    field.replace(0, 5, "LABEL");
+    field[11] = 'C';
+    field[16] = 20;
+    return header + field + '\x0D' + ' ' + label.leftJustified(20, ' ', true) + '\x1A';
+}
+
 struct TinyHome {
     QTemporaryDir dir;
     AtlasHome home;
@@ -109,9 +124,9 @@ struct TinyHome {
     // A default project with two themes whose settings live in originali/.
     void makeDefaultAtlas()
     {
-        addShape(QStringLiteral("commont"), "pristine commont");
-        addShape(QStringLiteral("comuni"), "pristine comuni");
-        writeFile(home.originali() + QStringLiteral("/commont.dbf"), "pristine commont");
+        addShape(QStringLiteral("commont"), tinyDbf("pristine commont"));
+        addShape(QStringLiteral("comuni"), tinyDbf("pristine comuni"));
+        writeFile(home.originali() + QStringLiteral("/commont.dbf"), tinyDbf("pristine commont"));
         for (const QString &t : {QStringLiteral("commont"), QStringLiteral("comuni")})
             write(QStringLiteral("originali/") + t + QStringLiteral(".ini"),
                   {QLatin1Char('[') + t + QLatin1Char(']'), QStringLiteral("JOIN=-1^-1^-1^-1^-1^-1^"),

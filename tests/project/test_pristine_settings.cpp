@@ -72,8 +72,8 @@ private slots:
     void restoreBringsBackPristineTablesAndSettings()
     {
         TinyHome h;
-        writeFile(h.home.originali() + "/cmont_01.dbf", "pristine table");
-        writeFile(h.home.originali() + "/combase.dbf", "pristine base");
+        writeFile(h.home.originali() + "/cmont_01.dbf", tinyDbf("pristine table"));
+        writeFile(h.home.originali() + "/combase.dbf", tinyDbf("pristine base"));
         h.write("originali/cmont_01.ini", {"[CMONT_01]", "VISIBILE=0"});
         h.write("originali/comu_01.ini", {"[COMU_01]", "VISIBILE=0"});
         writeFile(h.home.italia() + "/CMONT_01.DBF", "joined table");
@@ -83,8 +83,8 @@ private slots:
         QVERIFY(restoreAllThemeTables(h.home));
         QVERIFY(copyPristineSettings(h.home));
 
-        QCOMPARE(readFile(h.home.italia() + "/CMONT_01.DBF"), QByteArray("pristine table"));
-        QCOMPARE(readFile(h.home.italia() + "/combase.dbf"), QByteArray("pristine base"));
+        QCOMPARE(readFile(h.home.italia() + "/CMONT_01.DBF"), tinyDbf("pristine table"));
+        QCOMPARE(readFile(h.home.italia() + "/combase.dbf"), tinyDbf("pristine base"));
         QCOMPARE(h.text("supporto/CMONT_01.INI"), QStringLiteral("[CMONT_01]\nVISIBILE=0\n"));
         QVERIFY(!QFileInfo::exists(h.home.supporto() + "/cmont_01.ini"));  // no second copy in other case
         QCOMPARE(h.text("supporto/comu_01.ini"), QStringLiteral("[COMU_01]\nVISIBILE=0\n"));

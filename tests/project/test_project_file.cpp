@@ -19,8 +19,8 @@ struct Loaded {
     Loaded()
     {
         h.makeDefaultAtlas();
-        h.addShape(QStringLiteral("cmont_05"), "pristine 05");
-        writeFile(h.home.originali() + QStringLiteral("/cmont_05.dbf"), "pristine 05");
+        h.addShape(QStringLiteral("cmont_05"), tinyDbf("pristine 05"));
+        writeFile(h.home.originali() + QStringLiteral("/cmont_05.dbf"), tinyDbf("pristine 05"));
         (void)copyPristineSettings(h.home);
         ProjectFiles p(h.home, map);
         (void)p.restoreDefault();
@@ -150,7 +150,7 @@ private slots:
         };
         QVERIFY(p.open(l.projectPath(QStringLiteral("p.rlx"))));
         QCOMPARE(rejoined, QStringList{QStringLiteral("e.dbf")});
-        QCOMPARE(readFile(l.h.home.italia() + QStringLiteral("/cmont_05.dbf")), QByteArray("pristine 05"));
+        QCOMPARE(readFile(l.h.home.italia() + QStringLiteral("/cmont_05.dbf")), tinyDbf("pristine 05"));
         for (const char *table : {"CAMPIJOIN", "LISTAJOIN", "STRUCTJOIN"})
             QVERIFY(l.h.db().query(QStringLiteral("SELECT * FROM ") + QLatin1String(table))->empty());
         QCOMPARE(p.session().regionCode, QStringLiteral("05"));

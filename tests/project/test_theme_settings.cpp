@@ -1,4 +1,4 @@
-// Reading theme settings files and the four routines that write them.
+// Reading theme settings files and the routines that write them.
 #include "project/SettingsFixture.h"
 #include "project/SettingsWriters.h"
 
@@ -73,41 +73,6 @@ private slots:
         QVERIFY(!s.has(ThemeKey::Workspace));
     }
 
-    void newThemeFileBytes_data()
-    {
-        QTest::addColumn<bool>("withJoin");
-        QTest::addColumn<int>("symbolType");
-        QTest::addColumn<QString>("expected");
-        const QString head = QStringLiteral("[cmont_05]\n");
-        const QString tail = QStringLiteral("WORKSPACE=/atlas/italia/\nBASE=cmont_05.shp^cmont_05^\nLABEL=*\n");
-        const QString rest = QStringLiteral("TIPOCLASSIFICAZIONE=0\nCAMPO=0^0^0^0^\nCLASSIFICAZIONE=0\nOUTLINE=1\nVISIBILE=1\n");
-        QTest::newRow("no join") << false << 2
-                                 << head + "JOIN=-1^-1^-1^-1^-1^-1^\nSTRUCTJOIN =*^\n" + tail
-                                        + "SIMBOLO=2^0^0^56320^33554432^\n" + rest;
-        QTest::newRow("join, line symbol") << true << 1
-                                           << head + "JOIN=/d/^e.dbf^e^PROG^COD^cmont_05.shp^\nSTRUCTJOIN =POP^\n"
-                                                  + tail + "SIMBOLO=1^0^0^56320^0^\n" + rest;
-    }
-    void newThemeFileBytes()
-    {
-        QFETCH(bool, withJoin);
-        QFETCH(int, symbolType);
-        QFETCH(QString, expected);
-        TinyHome h;
-        LayerState l = communityLayer();
-        l.symbol.symbolType = symbolType;
-        const QString ini = h.home.supporto() + QStringLiteral("/cmont_05.ini");
-        std::optional<JoinFields> join;
-        std::optional<QStringList> fields;
-        if (withJoin) {
-            join = JoinFields::parse(QStringLiteral("/d/^e.dbf^e^PROG^COD^cmont_05.shp^"));
-            fields = QStringList{QStringLiteral("POP")};
-        }
-        QVERIFY(writeNewThemeFile(ini, l, join, fields));
-        QCOMPARE(h.text(QStringLiteral("supporto/cmont_05.ini")), expected);
-        QVERIFY(!QFileInfo::exists(h.home.supporto() + QStringLiteral("/cmont_05.new")));
-    }
-
     void rewriteAfterJoinBytes_data()
     {
         QTest::addColumn<bool>("listed");
@@ -151,37 +116,6 @@ private slots:
         QVERIFY(!rewriteAfterJoin(h.home.supporto() + QStringLiteral("/cmont_05.ini"), communityLayer(),
                                   QStringLiteral("cmont_05.shp"), {}, ReferenceDb(h.root() + QStringLiteral("/none.sqlite"))));
         QCOMPARE(h.text(QStringLiteral("supporto/cmont_05.ini")), before);
-    }
-
-    void resetToDefaults_data()
-    {
-        QTest::addColumn<QString>("theme");
-        QTest::addColumn<QString>("structJoin");
-        QTest::addColumn<QString>("expected");
-        const QString keep = QStringLiteral("JOIN=-1^-1^-1^-1^-1^-1^\n");
-        const QString base = QStringLiteral("WORKSPACE=/w/\nBASE=x.shp^x^\n");
-        const QString rest = QStringLiteral("LABEL=*\nTIPOCLASSIFICAZIONE=0\nCAMPO=0^0^0^0^\nCLASSIFICAZIONE=0\nOUTLINE=1\nVISIBILE=0\n");
-        QTest::newRow("one character dropped") << "cmont_05" << "*" << "[CMONT_05]\n" + keep + base
-                                                                           + "SIMBOLO=2^0^0^56320^33554432^\n" + rest;
-        QTest::newRow("none kept") << "commont" << "*^" << "[COMMONT]\n" + keep + "STRUCTJOIN=*^\n" + base
-                                                               + "SIMBOLO=2^0^0^56320^33554432^\n" + rest;
-        QTest::newRow("municipality") << "comu_12" << "POP^" << "[COMU_12]\n" + keep + "STRUCTJOIN=POP^\n" + base
-                                                                    + "SIMBOLO=2^0^0^16776960^33554432^\n" + rest;
-        QTest::newRow("other theme, no symbol") << "province" << "" << "[PROVINCE]\n" + keep + base + rest;
-    }
-    void resetToDefaults()
-    {
-        QFETCH(QString, theme);
-        QFETCH(QString, structJoin);
-        QFETCH(QString, expected);
-        TinyHome h;
-        QStringList old{"[" + theme + "]", "JOIN=-1^-1^-1^-1^-1^-1^", "WORKSPACE=/w/", "BASE=x.shp^x^",
-                        "SIMBOLO=0^1^1^5^5^", "LABEL=NOME", "CAMPO=I010^5^1^1^", "OUTLINE=0", "VISIBILE=1"};
-        if (!structJoin.isEmpty())
-            old.insert(2, "STRUCTJOIN =" + structJoin);
-        h.write("supporto/" + theme + ".ini", old);
-        QVERIFY(resetThemeFile(h.home.supporto() + "/" + theme + ".ini", theme, false));
-        QCOMPARE(h.text("supporto/" + theme + ".ini"), expected);
     }
 
     void loadWritesNormalisedCopy()

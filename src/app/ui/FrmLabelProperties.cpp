@@ -112,7 +112,7 @@ void FrmLabelProperties::setColor(std::int32_t color)
 
 void FrmLabelProperties::setFontName(const QString &font)
 {
-    m_font = font.isEmpty() ? LabelText::kDefaultFont : font;
+    m_font = font.isEmpty() ? LabelText::kDefaultFont : familyName(font);
     m_fontName->setText(m_font);
 }
 

@@ -2,7 +2,7 @@
 
 #include "app/CommandTable.h"
 #include "app/ExitFlow.h"
-#include "app/Regions.h"
+#include "project/Regions.h"
 #include "app/Scale.h"
 #include "app/Twips.h"
 #include "app/ui/Icons.h"

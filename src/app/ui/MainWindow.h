@@ -57,6 +57,9 @@ public:
     // Saves the project through the save dialog; false when not saved.
     bool saveProjectInteractive();
     bool openProjectInteractive();
+    // Opens a project file with a progress window the user can cancel;
+    // false when it was not opened (the initial project is then shown).
+    bool openProject(const QString &path);
 
 signals:
     void firstMapPainted();
@@ -80,9 +83,10 @@ private:
     void updateCommandStates();
     void setDividerTwips(double twips);
     double twipsPerPixel() const;
-    void saveView();
+    // Shows `r` and records the view left in the history; false (nothing
+    // recorded) when the view stays as it was.
+    bool moveView(const map::MapRect &r);
     void previousView();
-    void setMapExtent(const map::MapRect &r);
     void zoomFixed(double factor);
     // Zooms by `factor` keeping `anchor` under the cursor (mouse wheel).
     void zoomAt(QPointF anchor, double factor);
@@ -116,6 +120,9 @@ private:
     void addLabels();
     void removeLabels();
     void chooseRegion(int index);
+    // The region box set from the project's region, and the notices of its
+    // opening (tables repaired) shown.
+    void afterProjectLoaded(const QStringList &notices);
     bool runGuarded(const QString &key, const std::function<void()> &fn);
 
     AtlasHome m_home;
@@ -139,6 +146,7 @@ private:
     QHash<QString, QString> m_aliases;    // theme name (upper case) -> alias
     std::unique_ptr<MapModelHost> m_host;
     std::unique_ptr<ProjectFiles> m_projects;
+    map::MapRect m_panStart;  // the view a pan started from
     double m_lastValidScale = 0;
     double m_legendTwips = 3795;
     bool m_painted = false;

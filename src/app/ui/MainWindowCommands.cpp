@@ -13,12 +13,23 @@
 #include "project/ProjectFile.h"
 
 #include <QAction>
+#include <cmath>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QTimer>
 
 namespace mervola {
+
+namespace {
+// Two views that differ by far less than a pixel are the same view.
+bool sameView(const map::MapRect &a, const map::MapRect &b)
+{
+    const double tolerance = 1e-9 * std::max(a.width(), b.width());
+    return std::abs(a.left() - b.left()) <= tolerance && std::abs(a.right() - b.right()) <= tolerance
+           && std::abs(a.top() - b.top()) <= tolerance && std::abs(a.bottom() - b.bottom()) <= tolerance;
+}
+}  // namespace
 
 bool MainWindow::runGuarded(const QString &key, const std::function<void()> &fn)
 {
@@ -60,15 +71,12 @@ void MainWindow::dispatch(const QString &key)
             openLegendEditor(m_legend->activeLayerName());
         } else if (key == QLatin1String("zoomtema")) {
             const map::MapLayer *layer = m_map->model().find(m_legend->activeLayerName());
-            if (layer && !layer->extent().isEmpty()) {
-                saveView();
-                setMapExtent(layer->extent());
-            }
+            if (layer)
+                moveView(layer->extent());
         } else if (key == QLatin1String("uscita")) {
             close();
         } else if (key == QLatin1String("totale")) {
-            saveView();
-            setMapExtent(m_map->fullExtent());
+            moveView(m_map->fullExtent());
         } else if (key == QLatin1String("zoominfix")) {
             zoomFixed(0.5);
         } else if (key == QLatin1String("zoomoutfix")) {
@@ -124,10 +132,9 @@ void MainWindow::connectMapTools()
                 m_scale->setText(groupDigits(qint64(m_lastValidScale)));
             return;
         }
-        saveView();
         // A drag lower than 10 map units counts as a click: shrink to 0.7.
-        setMapExtent(r.height() >= 10 ? r : m_map->extent().scaled(0.7));
-        if (m_map->extent().width() < kMinExtentWidth)
+        if (moveView(r.height() >= 10 && r.width() > 0 ? r : m_map->extent().scaled(0.7))
+            && m_map->extent().width() < kMinExtentWidth)
             previousView();
     });
     connect(m_map, &MapWidget::clicked, this, [this](QPointF p, Qt::MouseButton) {
@@ -136,23 +143,40 @@ void MainWindow::connectMapTools()
             return;
         }
         if (action(QStringLiteral("zoomout"))->isChecked()) {
-            saveView();
             map::MapRect r = m_map->extent();
             r.centerOn(p);
-            setMapExtent(r.scaled(1.5));
+            moveView(r.scaled(1.5));
         }
     });
+    // A pan records the view it started from once the map has moved.
     connect(m_map, &MapWidget::mousePressed, this, [this](QPointF, Qt::MouseButton, Qt::KeyboardModifiers) {
-        if (action(QStringLiteral("pan"))->isChecked())
-            saveView();
+        m_panStart = m_map->extent();
     });
     connect(m_map, &MapWidget::panFinished, this, [this] {
+        if (!(m_map->extent() == m_panStart))
+            m_state.extentHistory.Push(m_panStart);
         m_state.projectModified = true;
         startScaleTimer();
     });
 }
 
-void MainWindow::saveView() { m_state.extentHistory.Push(m_map->extent()); }
+bool MainWindow::moveView(const map::MapRect &r)
+{
+    const map::MapRect before = m_map->extent();
+    if (r.isEmpty())
+        return false;
+    m_map->setExtent(r);
+    // Fitting to the map's shape may give back the view already shown.
+    if (sameView(m_map->extent(), before)) {
+        m_map->setExtent(before);
+        return false;
+    }
+    m_state.extentHistory.Push(before);
+    m_map->refresh();
+    m_state.projectModified = true;
+    startScaleTimer();
+    return true;
+}
 
 void MainWindow::previousView()
 {
@@ -163,14 +187,6 @@ void MainWindow::previousView()
     }
 }
 
-void MainWindow::setMapExtent(const map::MapRect &r)
-{
-    m_map->setExtent(r);
-    m_map->refresh();
-    m_state.projectModified = true;
-    startScaleTimer();
-}
-
 void MainWindow::zoomFixed(double factor)
 {
     if (factor < 1 && parseScale(m_scale->text()) < kMinScale) {
@@ -178,9 +194,7 @@ void MainWindow::zoomFixed(double factor)
             m_scale->setText(groupDigits(qint64(m_lastValidScale)));
         return;
     }
-    saveView();
-    setMapExtent(m_map->extent().scaled(factor));
-    if (factor < 1 && m_map->extent().width() < kMinExtentWidth)
+    if (moveView(m_map->extent().scaled(factor)) && factor < 1 && m_map->extent().width() < kMinExtentWidth)
         previousView();
     startScaleTimer();
 }
@@ -198,19 +212,16 @@ void MainWindow::zoomAt(QPointF anchor, double factor)
     const double r = anchor.x() + (now.right() - anchor.x()) * factor;
     const double b = anchor.y() - (anchor.y() - now.bottom()) * factor;
     const double t = anchor.y() + (now.top() - anchor.y()) * factor;
-    saveView();
-    setMapExtent(map::MapRect(l, t, r, b));
-    if (factor < 1 && m_map->extent().width() < kMinExtentWidth)
+    if (moveView(map::MapRect(l, t, r, b)) && factor < 1 && m_map->extent().width() < kMinExtentWidth)
         previousView();
 }
 
 void MainWindow::panBy(double dx, double dy)
 {
     const map::MapRect now = m_map->extent();
-    saveView();
     map::MapRect r = now;
     r.centerOn(QPointF(now.center().x() + dx * now.width(), now.center().y() + dy * now.height()));
-    setMapExtent(r);
+    moveView(r);
 }
 
 // Enter on the map does what a click at its centre does with the chosen
@@ -264,8 +275,7 @@ void MainWindow::applyTypedScale()
         startScaleTimer();
         return;
     }
-    saveView();
-    setMapExtent(m_map->extent().scaled(wanted / now));
+    moveView(m_map->extent().scaled(wanted / now));
 }
 
 bool MainWindow::saveProjectInteractive()
@@ -295,15 +305,7 @@ bool MainWindow::openProjectInteractive()
     if (path.isEmpty())
         return false;
     rememberFolderOf(path);
-    const Status st = m_projects->open(path);
-    applyProjectSession(m_state, m_projects->session());
-    m_state.extentHistory.clear();
-    refreshLegend();
-    m_map->refresh();
-    updateCommandStates();
-    startScaleTimer();
-    m_state.projectModified = false;
-    return st.ok();
+    return openProject(path);
 }
 
 }  // namespace mervola

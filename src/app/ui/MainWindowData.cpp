@@ -100,8 +100,8 @@ void MainWindow::showSelection(map::MapLayer &layer, const std::vector<int> &fea
     box.scale(1.4);
     if (box.width() < kMinExtentWidth * 4)
         box.scale(kMinExtentWidth * 4 / std::max(box.width(), 1.0));
-    saveView();
-    setMapExtent(box);
+    if (!moveView(box))
+        m_map->refresh();  // the selection changed even if the view did not
 }
 
 void MainWindow::openAttributeWindow()

@@ -1,12 +1,13 @@
 // The main window's load sequence, the legend and the command states.
 #include "app/CommandTable.h"
-#include "app/Regions.h"
+#include "project/Regions.h"
 #include "app/Startup.h"
 #include "app/ui/MainWindow.h"
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
 #include "map/ui/MapWidget.h"
-#include "app/ThemeStyle.h"
+#include "app/ThemeLegend.h"
+#include "project/PristineSettings.h"
 #include "project/ProjectFile.h"
 #include "project/ReferenceDb.h"
 
@@ -42,16 +43,22 @@ bool MainWindow::load()
     startup.setRuntimeDefaults();
     if (auto st = startup.restorePristineState(); !st) {
         showMessage(MsgStyle::Critical, st.errorMessage());
-        return false;
+        // Without originali/ there is nothing to start from; a table or a
+        // settings file that could not be restored leaves its theme as it was.
+        if (st.error().code == kMissingFolder)
+            return false;
     }
     T("restore");
     startup.setScaleDefaults();
-    if (auto st = startup.restoreDefaultProject(*m_host); !st)
+    QStringList notices;
+    // Themes that cannot be shown are named here; the others are on the map.
+    if (auto st = startup.restoreDefaultProject(*m_host, {}, &notices); !st)
         showMessage(MsgStyle::Critical, st.errorMessage());
     T("project");
     m_map->refresh();
 
     fillRegionBox();
+    afterProjectLoaded(notices);
 
     // Aliases of the themes, read once for the legend.
     if (auto rows = ReferenceDb(m_home).query(QStringLiteral("SELECT ALIAS, NOMETEMAORIGINALE FROM ALIASTEMI"))) {
@@ -93,54 +100,15 @@ QString MainWindow::aliasOf(const QString &layerName) const
     return m_aliases.value(layerName.toUpper(), layerName);
 }
 
-// One legend row per class of a class-breaks or value-map renderer.
-template <class Renderer, class LabelFn>
-static void addLegendClasses(LegendEntry &e, const Renderer &r, int count, const std::vector<int> &counts,
-                             const LabelFn &label)
-{
-    for (int c = 0; c < count; ++c) {
-        LegendClass lc;
-        lc.fill = map::colorFromValue(r.symbol(c).color);
-        lc.outline = map::colorFromValue(r.symbol(c).outlineColor);
-        lc.label = label(c);
-        lc.count = c < int(counts.size()) ? counts[size_t(c)] : -1;
-        e.classes.push_back(lc);
-    }
-}
-
 void MainWindow::refreshLegend()
 {
-    std::vector<LegendEntry> entries;
-    const map::MapModel &model = m_map->model();
-    for (int i = 0; i < model.layerCount(); ++i) {
-        const map::MapLayer &layer = model.layer(i);
-        LegendEntry e;
-        e.layerName = layer.name;
-        e.alias = aliasOf(layer.name);
-        e.visible = layer.visible;
-        e.geometryKind = layer.data ? int(layer.data->kind) : 2;
-        const QString name = settingsNameOfLayer(layer.name);
-        const ThemeSettings settings = readThemeSettingsFile(m_home.supporto() + QLatin1Char('/') + name + QStringLiteral(".ini"), name);
-        auto classLabel = [&settings](int c) {
-            if (c >= settings.classes.size())
-                return QString();
-            const ClassItem &item = settings.classes[c];
-            return item.label.isEmpty() ? item.value : item.label;
-        };
-        if (const auto *simple = std::get_if<map::SimpleRenderer>(&layer.renderer)) {
-            e.fill = map::colorFromValue(simple->symbol.color);
-            e.outline = map::colorFromValue(simple->symbol.outlineColor);
-            e.outlined = simple->symbol.outline;
-            if (simple->symbol.style == 1)
-                e.fill = Qt::transparent;
-        } else if (const auto *cb = std::get_if<map::ClassBreaksRenderer>(&layer.renderer)) {
-            addLegendClasses(e, *cb, cb->breakCount(), classCounts(layer), classLabel);
-        } else if (const auto *vm = std::get_if<map::ValueMapRenderer>(&layer.renderer)) {
-            addLegendClasses(e, *vm, vm->valueCount(), classCounts(layer), classLabel);
-        }
-        entries.push_back(e);
-    }
-    m_legend->setEntries(entries);
+    const QString supporto = m_home.supporto();
+    m_legend->setEntries(themeLegend(
+        m_map->model(), [this](const QString &name) { return aliasOf(name); },
+        [&supporto](const QString &layerName) {
+            const QString name = settingsNameOfLayer(layerName);
+            return readThemeSettingsFile(supporto + QLatin1Char('/') + name + QStringLiteral(".ini"), name);
+        }));
 }
 
 void MainWindow::activeThemeChanged(const QString &layerName)

@@ -1,39 +1,40 @@
 // Theme commands of the main window: classification, legend editor, export
 // and printing of the map.
 #include "app/ExportFlow.h"
-#include "app/Scale.h"
 #include "app/RegionSwitch.h"
+#include "app/Scale.h"
 #include "app/Startup.h"
 #include "app/TemaLabel.h"
-#include "app/ui/FrmLabelProperties.h"
-#include "app/ui/ThemeClassification.h"
 #include "app/ThemeStyle.h"
+#include "app/ui/FrmLabelProperties.h"
 #include "app/ui/MainWindow.h"
+#include "app/ui/ThemeClassification.h"
 #include "classify/ColumnReader.h"
-#include "platform/Messages.h"
-#include "platform/ui/LastFolder.h"
-#include "platform/ui/LegendView.h"
-#include "map/ui/MapWidget.h"
 #include "data/AttributeTableCatalog.h"
 #include "data/Search.h"
 #include "data/ui/FrmInfor.h"
 #include "data/ui/FrmSearch.h"
+#include "map/ui/MapWidget.h"
+#include "platform/Messages.h"
+#include "platform/ui/LastFolder.h"
+#include "platform/ui/LegendView.h"
 #include "print/MapPage.h"
-#include "project/Indicators.h"
-#include "project/ui/FrmInfoIndicatore.h"
 #include "print/ui/FrmStampaNew.h"
+#include "project/Indicators.h"
 #include "project/ProjectFile.h"
 #include "project/SettingsWriters.h"
+#include "project/ui/FrmInfoIndicatore.h"
 
+#include <QAction>
+#include <QComboBox>
 #include <QDate>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QAction>
-#include <QComboBox>
 #include <QMenu>
 #include <QStatusBar>
 
-namespace mervola {
+namespace mervola
+{
 
 QString MainWindow::themeIniPath(const QString &layerName) const
 {
@@ -76,7 +77,7 @@ void MainWindow::openClassification(const QString &layerName)
     const QList<classify::CandidateField> fields =
         candidateFields(*layer->data, m_state.structure, ReferenceDb(m_home));
     if (fields.isEmpty()) {
-        showMessage(MsgStyle::Exclamation, QStringLiteral("Il tema non ha campi numerici da classificare."));
+        showMessage(MsgStyle::Exclamation, QStringLiteral("Il tema non ha campi da classificare."));
         return;
     }
     QString dbf = layer->data->sourcePath;
@@ -86,9 +87,9 @@ void MainWindow::openClassification(const QString &layerName)
     classify::Classification current = savedClassification(settings).value_or(classify::Classification{});
     if (current.classes.empty() && current.field.isEmpty())
         current.field = settings.campo.field;
-    classify::ClassificationDialog dialog(aliasOf(layerName), fields,
-                                          [dbf](const QString &f) { return classify::readFieldColumn(dbf, f); },
-                                          current, this);
+    classify::ClassificationDialog dialog(
+        aliasOf(layerName), fields, [dbf](const QString &f) { return classify::readFieldColumn(dbf, f); }, current,
+        this);
     if (dialog.exec() != QDialog::Accepted)
         return;
     if (auto st = storeClassification(ini, section, dialog.classification()); !st) {
@@ -120,7 +121,8 @@ void MainWindow::showLegendMenu(const QString &layerName, const QPoint &globalPo
 {
     QMenu menu(this);
     menu.addAction(QStringLiteral("&Classificazione..."), this, [this, layerName] { openClassification(layerName); });
-    menu.addAction(QStringLiteral("&Editor della legenda..."), this, [this, layerName] { openLegendEditor(layerName); });
+    menu.addAction(QStringLiteral("&Editor della legenda..."), this,
+                   [this, layerName] { openLegendEditor(layerName); });
     const ThemeSettings settings = readThemeSettingsFile(themeIniPath(layerName), settingsNameOfLayer(layerName));
     const QString field = settings.campo.field;
     if (!field.isEmpty() && field != QLatin1String("0") && field != QLatin1String("I000"))
@@ -134,9 +136,9 @@ void MainWindow::showLegendMenu(const QString &layerName, const QPoint &globalPo
 void MainWindow::exportMap()
 {
     const Status st = runExportCommand(m_map->model(), m_map->extent(), m_map->size(),
-                                       [this](const QString &title, const QString &filter) {
+                                       [this](const QString &title, const QString &filter, QString *selected) {
                                            const QString path = QFileDialog::getSaveFileName(
-                                               this, title, lastUsedFolder(m_home.root()), filter, nullptr,
+                                               this, title, lastUsedFolder(m_home.root()), filter, selected,
                                                QFileDialog::DontConfirmOverwrite);
                                            rememberFolderOf(path);
                                            return path;
@@ -154,13 +156,15 @@ void MainWindow::printMap()
     }
     MapPageContent pageContent;
     const QString caption = windowTitle();
-    pageContent.title = caption.startsWith(ProjectText::kCaptionPrefix) ? caption.mid(ProjectText::kCaptionPrefix.size())
-                                                                 : QStringLiteral("Mervola");
+    pageContent.title = caption.startsWith(ProjectText::kCaptionPrefix)
+                            ? caption.mid(ProjectText::kCaptionPrefix.size())
+                            : QStringLiteral("Mervola");
     pageContent.titleFont = m_state.labelFont;
     pageContent.dateText = QLocale(QLocale::Italian).toString(QDate::currentDate(), QStringLiteral("d MMMM yyyy"));
     pageContent.model = m_map->model();
     pageContent.extent = m_map->extent();
-    pageContent.legend = legendFromModel(pageContent.model, [this](const QString &n) { return aliasOf(n); });
+    // The page prints the legend exactly as the panel shows it.
+    pageContent.legend = m_legend->entries();
     openMapPrintPage(this, pageContent);
 }
 
@@ -196,7 +200,11 @@ void MainWindow::chooseRegion(int index)
     const RegionEntry region{m_regions->itemText(index), m_regions->itemData(index).toString()};
     auto result = switchRegion(m_map->model(), m_home, region, m_state);
     if (!result) {
+        // Nothing changed: the box shows the region that is still on the map.
+        const QSignalBlocker block(m_regions);
+        m_regions->setCurrentIndex(std::max(0, m_regions->findData(m_state.regionCode)));
         showMessage(MsgStyle::Critical, result.errorMessage());
+        return;
     } else {
         // The project records which mountain-community table is on the map.
         m_state.communityTable = mountainTheme(region.code);
@@ -207,10 +215,8 @@ void MainWindow::chooseRegion(int index)
                 layer->visible = true;
                 storeVisibility(name, true);
             }
-        if (result->extent) {
-            saveView();
-            setMapExtent(*result->extent);
-        }
+        if (result->extent)
+            moveView(*result->extent);
     }
     m_state.projectModified = true;
     refreshLegend();
@@ -228,7 +234,8 @@ void MainWindow::showIndicator(const QString &field)
     const ReferenceDb db(m_home);
     const QList<Indicator> indicators = readIndicators(db);
     const Indicator *i = indicatorOf(indicators, field);
-    const Indicator found = i ? *i : Indicator{field.startsWith(QLatin1Char('_')) ? field.mid(1) : QString(), {}, {}, {}, {}};
+    const Indicator found =
+        i ? *i : Indicator{field.startsWith(QLatin1Char('_')) ? field.mid(1) : QString(), {}, {}, {}, {}};
     const QString &code = found.code, &category = found.category, &source = found.source, &unit = found.unit;
     QString description = found.description;
     if (description.isEmpty())
@@ -292,4 +299,4 @@ void MainWindow::showElementInfo(QPointF mapPoint)
     m_map->refresh();
 }
 
-}  // namespace mervola
+} // namespace mervola

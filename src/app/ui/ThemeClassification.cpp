@@ -39,18 +39,19 @@ QList<classify::CandidateField> candidateFields(const map::LayerData &data, cons
                                                 const ReferenceDb &db)
 {
     const QList<Indicator> indicators = readIndicators(db);
-    QList<classify::CandidateField> first, rest;
+    QList<classify::CandidateField> first, rest, texts;
     for (const map::Column &c : data.columns) {
-        if (!c.isNumeric() || isPlaceholderField(c.name))
+        if (isPlaceholderField(c.name))
             continue;
-        if (const Indicator *i = indicatorOf(indicators, c.name)) {
+        if (const Indicator *i = indicatorOf(indicators, c.name); i && c.isNumeric()) {
             first.append({c.name, i->description, i->category});
             continue;
         }
         const StructureRow *row = structure.findByLabel(c.name);
-        rest.append({c.name, row && !row->alias.isEmpty() ? row->alias : c.name, QString()});
+        const QString shown = row && !row->alias.isEmpty() ? row->alias : c.name;
+        (c.isNumeric() ? rest : texts).append({c.name, shown, QString(), c.isNumeric()});
     }
-    return first + rest;
+    return first + rest + texts;
 }
 
 std::optional<classify::Classification> savedClassification(const ThemeSettings &s)

@@ -29,9 +29,9 @@ QList<Indicator> readIndicators(const ReferenceDb &db);
 // digits matched against the end of the code; nullptr for other fields.
 const Indicator *indicatorOf(const QList<Indicator> &list, const QString &field);
 
-// The numeric fields of a theme's table offered for classification: the
-// indicators with their description and category, then the other numeric
-// fields under their alias (category empty).
+// The fields of a theme's table offered for classification: the indicators
+// with their description and category, then the other numeric fields, then
+// the text fields (unique values only), under their alias (category empty).
 QList<classify::CandidateField> candidateFields(const map::LayerData &data, const StructureTable &structure,
                                                 const ReferenceDb &db);
 

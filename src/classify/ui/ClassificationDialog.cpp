@@ -16,6 +16,7 @@
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPushButton>
+#include <QStandardItemModel>
 #include <QTableWidget>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -54,6 +55,7 @@ ClassificationDialog::ClassificationDialog(const QString &theme, const QList<Can
 {
     buildUi(theme);
     selectCurrent(current);
+    m_shown = currentChoices();
     // A theme without classes opens with the first field already classified,
     // so the user sees classes and histogram at once.
     if (current.classes.empty() && !currentField().isEmpty())
@@ -141,12 +143,7 @@ void ClassificationDialog::buildUi(const QString &theme)
         classify();
     });
     connect(m_campo, &QComboBox::activated, this, &ClassificationDialog::classify);
-    connect(m_tipoLegenda, &QComboBox::activated, this, [this] {
-        const bool classes = m_tipoLegenda->currentIndex() == 0;
-        m_metodo->setEnabled(classes);
-        m_classi->setEnabled(classes);
-        classify();
-    });
+    connect(m_tipoLegenda, &QComboBox::activated, this, &ClassificationDialog::classify);
     connect(m_metodo, &QComboBox::activated, this, &ClassificationDialog::classify);
     connect(m_classi, &QComboBox::activated, this, &ClassificationDialog::classify);
     connect(m_ramp, &QComboBox::activated, this, [this](int index) {
@@ -200,8 +197,7 @@ void ClassificationDialog::selectCurrent(const Classification &current)
     if (i >= 0)
         m_campo->setCurrentIndex(i);
     m_tipoLegenda->setCurrentIndex(current.uniqueValues ? 1 : 0);
-    m_metodo->setEnabled(!current.uniqueValues);
-    m_classi->setEnabled(!current.uniqueValues);
+    updateChoiceStates();
     m_metodo->setCurrentIndex(std::clamp(current.methodIndex, 0, 1));
     if (current.requestedClasses >= 1 && current.requestedClasses <= kMaxClasses)
         m_classi->setCurrentIndex(current.requestedClasses - 1);
@@ -212,6 +208,41 @@ void ClassificationDialog::selectCurrent(const Classification &current)
 }
 
 QString ClassificationDialog::currentField() const { return m_campo ? m_campo->currentData().toString() : QString(); }
+
+bool ClassificationDialog::isTextField(const QString &field) const
+{
+    for (const CandidateField &f : m_fields)
+        if (f.name.compare(field, Qt::CaseInsensitive) == 0)
+            return !f.numeric;
+    return false;
+}
+
+ClassificationDialog::Choices ClassificationDialog::currentChoices() const
+{
+    return {currentField(), m_tipoLegenda->currentIndex(), m_metodo->currentIndex(), m_classi->currentIndex()};
+}
+
+void ClassificationDialog::showChoices(const Choices &c)
+{
+    if (const int i = m_campo->findData(c.field); i >= 0)
+        m_campo->setCurrentIndex(i);
+    m_tipoLegenda->setCurrentIndex(c.legendType);
+    m_metodo->setCurrentIndex(c.method);
+    m_classi->setCurrentIndex(c.classCount);
+    updateChoiceStates();
+}
+
+void ClassificationDialog::updateChoiceStates()
+{
+    const bool text = isTextField(currentField());
+    if (text)
+        m_tipoLegenda->setCurrentIndex(1);
+    if (auto *model = qobject_cast<QStandardItemModel *>(m_tipoLegenda->model()))
+        model->item(0)->setEnabled(!text);
+    const bool classes = m_tipoLegenda->currentIndex() == 0;
+    m_metodo->setEnabled(classes);
+    m_classi->setEnabled(classes);
+}
 
 const FieldColumn *ClassificationDialog::column(const QString &field)
 {
@@ -231,16 +262,23 @@ const FieldColumn *ClassificationDialog::column(const QString &field)
 
 void ClassificationDialog::classify()
 {
+    updateChoiceStates();
     const FieldColumn *col = column(currentField());
-    if (!col)
+    // A refusal, a "No" or a field without numbers keeps the classes shown,
+    // and the boxes go back to the choices that gave them.
+    if (!col) {
+        showChoices(m_shown);
         return;
-    const bool unique = m_tipoLegenda->currentIndex() == 1;
+    }
+    const bool unique = m_tipoLegenda->currentIndex() == 1 || !col->numeric;
     const QString id = unique ? kUnico : m_metodo->currentIndex() == 1 ? kRegolari : kQuantile;
     const ClassifyOutcome o = methodById(id)->classes(*col, m_classi->currentData().toInt(), m_ramp->currentIndex());
-    // A refusal, a "No" or a field without numbers keeps the classes shown.
-    if (!o.ok())
+    if (!o.ok()) {
+        showChoices(m_shown);
         return;
+    }
     m_class = o.classification;
+    m_shown = currentChoices();
     refresh();
 }
 

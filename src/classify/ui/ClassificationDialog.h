@@ -24,6 +24,7 @@ struct CandidateField {
     QString name;         // attribute field
     QString description;  // text shown to the user
     QString category;     // category name; empty = none
+    bool numeric = true;  // a text field can only be shown by unique values
 };
 
 // Gives the values of a field of the theme's table.
@@ -58,12 +59,26 @@ private:
     void onCellDoubleClicked(int row, int column);
     void onCellChanged(int row, int column);
     QString currentField() const;
+    bool isTextField(const QString &field) const;
+    // The choices that gave the classes shown, put back into the boxes when
+    // a new choice is refused (too many values, "No", no data).
+    struct Choices {
+        QString field;
+        int legendType = 0;
+        int method = 0;
+        int classCount = 4;
+    };
+    Choices currentChoices() const;
+    void showChoices(const Choices &c);
+    // Method and class count only apply to classes; "Classi" only to numbers.
+    void updateChoiceStates();
 
     QList<CandidateField> m_fields;
     FieldValuesFn m_values;
     QMap<QString, FieldColumn> m_columns;
     Classification m_class;
     bool m_refreshing = false;
+    Choices m_shown;
 
     QComboBox *m_categoria = nullptr;
     QComboBox *m_campo = nullptr;

@@ -85,13 +85,19 @@ bool FrmModFlx::eventFilter(QObject *watched, QEvent *event)
             return false;
         if (!text.isEmpty() && text[0].isPrint() && !limitKeyAllowed(text[0]))
             return true;
-    } else if (event->type() == QEvent::FocusOut && !m_refusing) {
+    } else if (event->type() == QEvent::FocusOut && !m_refusing && !m_closing) {
         if (watched == m_lower)
             leaveLower(false);
         else
             leaveUpper(false);
     }
     return QDialog::eventFilter(watched, event);
+}
+
+void FrmModFlx::done(int result)
+{
+    m_closing = true;
+    QDialog::done(result);
 }
 
 void FrmModFlx::refuse(QLineEdit *box, const QString &message)

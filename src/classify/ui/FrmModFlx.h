@@ -21,6 +21,11 @@ public:
     // "lower - upper", as the class row shows it.
     QString valueText() const;
 
+    // Closing: OK has checked the boxes, Annulla, Escape and the window's
+    // close box check nothing; leaving a box as the window closes is no
+    // leaving of the user's.
+    void done(int result) override;
+
 signals:
     // A limit was accepted on leaving its box.
     void limitsChanged(const QString &valueText);
@@ -41,6 +46,7 @@ private:
     QString m_initialUpper;
     bool m_refusing = false;      // a refusal is being shown; ignore the focus moves it causes
     bool m_justRefused = false;   // the press that moved the focus already got its message
+    bool m_closing = false;       // leaving a box as the window closes checks nothing
 };
 
 }  // namespace mervola::classify

@@ -211,7 +211,7 @@ void EmfPaintEngine::fillHatched(const QPainterPath &path, const std::vector<Hat
     if (segments.empty())
         return;
     // Hatch lines are one pixel wide in the brush colour.
-    selectPenKey({PS_SOLID, colorRef(m_brush.color()), 0});
+    selectPenKey({PS_SOLID, colorRef(m_brush.color()), kUnitsPerPixel});
     selectNullBrush();
     m_writer->appendPolyPolyline(segments, bounds);
 }
@@ -220,8 +220,8 @@ void EmfPaintEngine::stroke(const Polys &polys, const QRect &bounds)
 {
     const PenKey key = penKey(m_pen);
     selectNullBrush();
-    if (key.width > 0 && key.style != PS_SOLID) {
-        // Wide dashed pen: the dashes themselves with a solid pen.
+    if (key.width > kUnitsPerPixel && key.style != PS_SOLID) {
+        // Dashed pen wider than a pixel: the dashes themselves with a solid pen.
         QVector<double> pattern = m_pen.dashPattern();
         for (double &d : pattern)
             d *= key.width;
@@ -240,10 +240,13 @@ void EmfPaintEngine::stroke(const Polys &polys, const QRect &bounds)
 EmfPaintEngine::PenKey EmfPaintEngine::penKey(const QPen &pen) const
 {
     // Cosmetic pens are measured in device pixels, others scale with the
-    // transform. One pixel or less is GDI's width 0: always one pixel wide.
-    const double px = pen.isCosmetic() ? pen.widthF() : pen.widthF() * transformScale(m_transform);
-    return {penStyle(pen.style()), colorRef(pen.color()),
-            px <= 1 ? 0 : std::int32_t(std::lround(px * kUnitsPerPixel))};
+    // transform; Qt draws a pen of width 0 one pixel wide. The width is
+    // written in logical units as it is: GDI's width 0 would leave the
+    // thickness to each reader, and some draw it as a hairline.
+    double px = pen.isCosmetic() ? pen.widthF() : pen.widthF() * transformScale(m_transform);
+    if (px <= 0)
+        px = 1;
+    return {penStyle(pen.style()), colorRef(pen.color()), std::max(1, int(std::lround(px * kUnitsPerPixel)))};
 }
 
 void EmfPaintEngine::selectPenKey(const PenKey &key)

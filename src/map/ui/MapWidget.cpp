@@ -140,7 +140,9 @@ void MapWidget::mouseReleaseEvent(QMouseEvent *e)
         break;
     }
     case Mode::RubberBand: {
-        const QPointF a = toMapPoint(m_pressAt), b = toMapPoint(m_dragAt);
+        // A press that moved no more than a click may gives no rectangle.
+        const QPointF a = toMapPoint(m_pressAt);
+        const QPointF b = moved.manhattanLength() <= kClickSlop ? a : toMapPoint(m_dragAt);
         update();
         emit rectangleChosen(MapRect::fromCorners(a.x(), a.y(), b.x(), b.y()));
         break;

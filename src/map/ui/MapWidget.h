@@ -47,8 +47,8 @@ signals:
     // Every button press, before any tracking (the map point pressed).
     void mousePressed(QPointF mapPoint, Qt::MouseButton button, Qt::KeyboardModifiers modifiers);
     void extentChanged(const map::MapRect &extent);
-    // Rubber-band mode: the rectangle dragged, in map units (may be tiny for
-    // a plain click).
+    // Rubber-band mode: the rectangle dragged, in map units; a point (a
+    // rectangle of no size) for a click, even one that moved a pixel or two.
     void rectangleChosen(const map::MapRect &rect);
     // Click mode: a press and release without dragging.
     void clicked(QPointF mapPoint, Qt::MouseButton button);

@@ -1,4 +1,5 @@
 #include "platform/dbf/DbfTable.h"
+#include "platform/dbf/TableCheck.h"
 
 #include "platform/AtlasHome.h"
 #include "platform/dbf/DbfGdal.h"
@@ -84,6 +85,9 @@ Result<DbfTable> readDbf(const QString &path)
     const QFileInfo fi(path);
     if (!fi.isFile())
         return Result<DbfTable>::fail(QStringLiteral("Tabella dBase non trovata: %1").arg(path));
+    // A cut table would open and show only part of its records.
+    if (Status whole = checkDbfFile(path); !whole)
+        return whole.error();
     ensureGdal();
     GdalErrorScope errors;
     const char *const drivers[] = {"ESRI Shapefile", nullptr};

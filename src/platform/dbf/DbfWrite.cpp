@@ -3,6 +3,7 @@
 // appended with fast fixed-width formatting, and the finished file replaces
 // the old .dbf/.cpg by rename.
 
+#include "platform/FileReplace.h"
 #include "platform/dbf/DbfGdal.h"
 #include "platform/dbf/DbfTable.h"
 
@@ -16,7 +17,6 @@
 #include <cmath>
 #include <cpl_string.h>
 #include <cstring>
-#include <filesystem>
 #include <ogrsf_frmts.h>
 
 namespace mervola
@@ -231,13 +231,6 @@ Status writeTemporary(const QString &tmpPath, const DbfTable &table)
     return appendRecords(tmpPath, table);
 }
 
-bool replaceFile(const QString &from, const QString &to)
-{
-    std::error_code ec;
-    std::filesystem::rename(std::filesystem::path(from.toStdString()), std::filesystem::path(to.toStdString()), ec);
-    return !ec;
-}
-
 } // namespace
 
 Status writeDbf(const QString &path, const DbfTable &table)
@@ -251,13 +244,13 @@ Status writeDbf(const QString &path, const DbfTable &table)
     const QString tmpDbf = work.path() + QStringLiteral("/tabella.dbf");
     if (auto s = writeTemporary(tmpDbf, table); !s)
         return s;
-    if (!replaceFile(tmpDbf, dest.absoluteFilePath()))
-        return Status::fail(QStringLiteral("Impossibile sostituire la tabella %1.").arg(path));
+    if (Status s = renameOver(tmpDbf, dest.absoluteFilePath()); !s)
+        return s;
     const QString tmpCpg = work.path() + QStringLiteral("/tabella.cpg");
     const QString cpg = cpgPathFor(dest.absoluteFilePath());
     if (QFileInfo::exists(tmpCpg)) {
-        if (!replaceFile(tmpCpg, cpg))
-            return Status::fail(QStringLiteral("Impossibile scrivere la codifica della tabella %1.").arg(path));
+        if (Status s = renameOver(tmpCpg, cpg); !s)
+            return s;
     } else if (QFileInfo::exists(cpg)) {
         QFile::remove(cpg); // a stale code page would misread the new file
     }

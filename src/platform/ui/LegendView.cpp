@@ -27,6 +27,9 @@ LegendView::LegendView(QWidget *parent) : QTreeWidget(parent)
     connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem *item, int) {
         if (m_filling || item->parent())
             return;
+        const int index = indexOfTopLevelItem(item);
+        if (index >= 0 && index < int(m_entries.size()))
+            m_entries[size_t(index)].visible = item->checkState(0) == Qt::Checked;
         emit visibilityToggled(item->data(0, kNameRole).toString(), item->checkState(0) == Qt::Checked);
     });
     connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem *current, QTreeWidgetItem *) {
@@ -79,6 +82,7 @@ QIcon LegendView::swatch(const QColor &fill, const QColor &outline, bool outline
 void LegendView::setEntries(const std::vector<LegendEntry> &entries)
 {
     const QString active = activeLayerName();
+    m_entries = entries;
     m_filling = true;
     clear();
     QTreeWidgetItem *toSelect = nullptr;
@@ -94,10 +98,7 @@ void LegendView::setEntries(const std::vector<LegendEntry> &entries)
         } else {
             for (const LegendClass &c : e.classes) {
                 auto *child = new QTreeWidgetItem(item);
-                QString text = c.label;
-                if (c.count >= 0)
-                    text += QStringLiteral("  (%1)").arg(c.count);
-                child->setText(0, text);
+                child->setText(0, legendClassText(c));
                 child->setIcon(0, swatch(c.fill, c.outline, e.outlined, e.geometryKind));
                 child->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
             }

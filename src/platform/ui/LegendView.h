@@ -3,28 +3,11 @@
 // box; under a classified theme its class swatches, labels and counts.
 // The selected entry is the active theme.
 
-#include <QColor>
+#include "platform/Legend.h"
+
 #include <QTreeWidget>
 
 namespace mervola {
-
-struct LegendClass {
-    QColor fill;
-    QColor outline;
-    QString label;
-    int count = -1;  // number of elements, -1 when unknown
-};
-
-struct LegendEntry {
-    QString layerName;  // the theme's layer name
-    QString alias;      // shown text
-    bool visible = true;
-    QColor fill;        // swatch of an unclassified theme
-    QColor outline;
-    bool outlined = true;
-    int geometryKind = 2;  // 0 point, 1 line, 2 polygon
-    std::vector<LegendClass> classes;
-};
 
 class LegendView : public QTreeWidget {
     Q_OBJECT
@@ -33,6 +16,8 @@ public:
 
     // Entries in legend order: the first entry is the top of the list.
     void setEntries(const std::vector<LegendEntry> &entries);
+    // The entries as shown, visibility boxes included.
+    const std::vector<LegendEntry> &entries() const { return m_entries; }
     int entryCount() const { return topLevelItemCount(); }
     QString layerNameAt(int index) const;
     QString aliasAt(int index) const;
@@ -57,6 +42,7 @@ protected:
 private:
     QTreeWidgetItem *topItem(const QTreeWidgetItem *item) const;
     bool m_filling = false;
+    std::vector<LegendEntry> m_entries;
 };
 
 }  // namespace mervola

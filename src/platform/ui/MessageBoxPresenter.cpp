@@ -3,15 +3,57 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTranslator>
 
 namespace mervola {
 
+namespace {
+
+// Names the box's own details button "Dettagli" / "Nascondi dettagli" while
+// a box with details is open.
+class DetailsButtonText : public QTranslator {
+public:
+    QString translate(const char *context, const char *source, const char *disambiguation, int n) const override
+    {
+        if (qstrcmp(context, "QMessageBox") == 0) {
+            if (qstrcmp(source, "Show Details...") == 0)
+                return QStringLiteral("Dettagli");
+            if (qstrcmp(source, "Hide Details...") == 0)
+                return QStringLiteral("Nascondi dettagli");
+        }
+        return QTranslator::translate(context, source, disambiguation, n);
+    }
+    bool isEmpty() const override { return false; }
+};
+
+}  // namespace
+
 MsgAnswer MessageBoxPresenter::present(int style, const QString &text, const QString &title)
 {
+    return show(style, text, QString(), title);
+}
+
+MsgAnswer MessageBoxPresenter::presentDetailed(int style, const QString &text, const QString &details,
+                                               const QString &title)
+{
+    return show(style, text, details, title);
+}
+
+MsgAnswer MessageBoxPresenter::show(int style, const QString &text, const QString &details, const QString &title)
+{
     QWidget *parent = m_parent ? m_parent : QApplication::activeWindow();
+    DetailsButtonText detailsText;
+    if (!details.isEmpty())
+        QCoreApplication::installTranslator(&detailsText);
+    struct Uninstall {
+        QTranslator *t;
+        ~Uninstall() { QCoreApplication::removeTranslator(t); }
+    } uninstall{&detailsText};
     QMessageBox box(parent);
     box.setWindowTitle(title);
     box.setText(text);
+    if (!details.isEmpty())
+        box.setDetailedText(details);
     switch (style & 0x70) {
     case MsgStyle::Critical: box.setIcon(QMessageBox::Critical); break;
     case MsgStyle::Question: box.setIcon(QMessageBox::Question); break;

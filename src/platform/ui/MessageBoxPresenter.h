@@ -11,9 +11,11 @@ class MessageBoxPresenter : public MessagePresenter {
 public:
     explicit MessageBoxPresenter(QWidget *parentProvider = nullptr) : m_parent(parentProvider) {}
     MsgAnswer present(int style, const QString &text, const QString &title) override;
+    MsgAnswer presentDetailed(int style, const QString &text, const QString &details, const QString &title) override;
     void setParent(QWidget *parent) { m_parent = parent; }
 
 private:
+    MsgAnswer show(int style, const QString &text, const QString &details, const QString &title);
     QWidget *m_parent;
 };
 

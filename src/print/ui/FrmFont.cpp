@@ -6,20 +6,30 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSet>
 #include <QVBoxLayout>
 
 namespace mervola {
+
+QString familyName(const QString &family)
+{
+    // The system names a family installed by several foundries once per
+    // foundry, as "C059 [UKWN]"; the family alone selects the typeface.
+    static const QRegularExpression foundry(QStringLiteral("\\s*\\[[^\\]]*\\]$"));
+    return QString(family).remove(foundry).trimmed();
+}
 
 QStringList uniqueFamilies(const QStringList &families)
 {
     QStringList out;
     QSet<QString> seen;
     for (const QString &f : families) {
-        if (seen.contains(f))
+        const QString name = familyName(f);
+        if (name.isEmpty() || seen.contains(name))
             continue;
-        seen.insert(f);
-        out << f;
+        seen.insert(name);
+        out << name;
     }
     return out;
 }

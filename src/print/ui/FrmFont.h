@@ -17,7 +17,10 @@ inline const QString kPrompt = QStringLiteral("Selezionare il tipo di carattere:
 
 // The installed families, each once, in the order the system gives them.
 QStringList installedFontFamilies();
-// Each name once, first occurrence kept, order unchanged.
+// A family as the system reports it without the foundry it may carry
+// ("C059 [UKWN]" gives "C059").
+QString familyName(const QString &family);
+// Each family once (foundries dropped), first occurrence kept, order unchanged.
 QStringList uniqueFamilies(const QStringList &families);
 
 class FrmFont : public QDialog {

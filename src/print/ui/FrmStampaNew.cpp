@@ -3,7 +3,6 @@
 #include "platform/Messages.h"
 #include "platform/ui/LastFolder.h"
 #include "platform/ui/ScreenFit.h"
-#include "platform/ui/LegendView.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -23,9 +22,11 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 constexpr int kPreviewDelayMs = 300;
 
@@ -47,46 +48,11 @@ void preparePrinter(QPrinter &printer, const MapPageContent &pageContent)
     printer.setDocName(pageContent.title.isEmpty() ? QStringLiteral("Mervola") : pageContent.title);
 }
 
-}  // namespace
-
-QString defaultPageTitle(const QString &caption)
-{
-    const QString t = caption.trimmed();
-    return t.isEmpty() ? QStringLiteral("Mervola") : t;
-}
-
-std::vector<MapPageTheme> pageLegendFrom(const std::vector<LegendEntry> &entries)
-{
-    std::vector<MapPageTheme> out;
-    for (const LegendEntry &e : entries) {
-        MapPageTheme t;
-        t.alias = e.alias;
-        t.geometryKind = e.geometryKind;
-        t.fill = e.fill;
-        t.outline = e.outline;
-        t.outlined = e.outlined;
-        t.visible = e.visible;
-        for (const LegendClass &c : e.classes)
-            t.classes.push_back({c.fill, c.outline, c.label, c.count});
-        out.push_back(std::move(t));
-    }
-    return out;
-}
-
-MapPageContent mapPageContentFor(const map::MapModel &model, const map::MapRect &extent,
-                           const std::vector<LegendEntry> &entries, const QString &caption)
-{
-    MapPageContent pageContent;
-    pageContent.title = defaultPageTitle(caption);
-    pageContent.dateText = defaultDateText();
-    pageContent.model = model;
-    pageContent.extent = extent.isEmpty() ? model.extent() : extent;
-    pageContent.legend = entries.empty() ? legendFromModel(model) : pageLegendFrom(entries);
-    return pageContent;
-}
+} // namespace
 
 FrmStampaNew::FrmStampaNew(MapPageContent pageContent, QWidget *parent)
-    : QDialog(parent), m_content(std::move(pageContent)), m_previewPrinter(std::make_unique<QPrinter>(QPrinter::ScreenResolution))
+    : QDialog(parent), m_content(std::move(pageContent)),
+      m_previewPrinter(std::make_unique<QPrinter>(QPrinter::ScreenResolution))
 {
     setObjectName(QStringLiteral("frmStampaNew"));
     setWindowTitle(QStringLiteral("Stampa della mappa"));
@@ -240,9 +206,15 @@ void FrmStampaNew::readControls()
     schedulePreview();
 }
 
-void FrmStampaNew::schedulePreview() { m_previewTimer->start(); }
+void FrmStampaNew::schedulePreview()
+{
+    m_previewTimer->start();
+}
 
-void FrmStampaNew::paintPreview(QPrinter *printer) { paintOnPrinter(printer, m_content); }
+void FrmStampaNew::paintPreview(QPrinter *printer)
+{
+    paintOnPrinter(printer, m_content);
+}
 
 void FrmStampaNew::setOrientation(QPageLayout::Orientation o)
 {
@@ -294,7 +266,10 @@ void FrmStampaNew::cmdStampa_Click()
     paintOnPrinter(&printer, m_content);
 }
 
-Status FrmStampaNew::savePdfTo(const QString &path) const { return writeMapPagePdf(m_content, path); }
+Status FrmStampaNew::savePdfTo(const QString &path) const
+{
+    return writeMapPagePdf(m_content, path);
+}
 
 void FrmStampaNew::cmdSalvaPdf_Click()
 {
@@ -303,9 +278,10 @@ void FrmStampaNew::cmdSalvaPdf_Click()
     name.replace(QRegularExpression(QStringLiteral("[\\\\/:*?\"<>|]")), QStringLiteral("_"));
     if (name.isEmpty())
         name = QStringLiteral("mappa");
-    QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Salva la mappa in PDF"),
-                                                QDir(lastUsedFolder(QDir::homePath())).filePath(name + QStringLiteral(".pdf")),
-                                                QStringLiteral("Documenti PDF (*.pdf)"));
+    QString path =
+        QFileDialog::getSaveFileName(this, QStringLiteral("Salva la mappa in PDF"),
+                                     QDir(lastUsedFolder(QDir::homePath())).filePath(name + QStringLiteral(".pdf")),
+                                     QStringLiteral("Documenti PDF (*.pdf)"));
     if (path.isEmpty())
         return;
     rememberFolderOf(path);
@@ -322,4 +298,4 @@ void openMapPrintPage(QWidget *parent, const MapPageContent &pageContent)
     dlg.exec();
 }
 
-}  // namespace mervola
+} // namespace mervola

@@ -5,7 +5,6 @@
 // description and changes nothing in the program.
 
 #include "platform/Result.h"
-#include "platform/ui/LegendView.h"
 #include "print/MapPage.h"
 #include "print/ui/FrmModMappa.h"
 #include "print/ui/FrmModTesto.h"
@@ -22,19 +21,6 @@ class QRadioButton;
 class QTimer;
 
 namespace mervola {
-
-// The page title for a window caption: the caption, or "Mervola" when empty.
-QString defaultPageTitle(const QString &caption);
-
-// The page's legend from the legend panel's entries (hidden ones are kept
-// but flagged, the page leaves them out).
-std::vector<MapPageTheme> pageLegendFrom(const std::vector<LegendEntry> &entries);
-
-// A page description for the map as the window shows it: a copy of the
-// model, the extent shown, the legend panel's entries (the model's own
-// legend when empty), the caption as title and today's date.
-MapPageContent mapPageContentFor(const map::MapModel &model, const map::MapRect &extent,
-                           const std::vector<LegendEntry> &entries, const QString &caption);
 
 class FrmStampaNew : public QDialog {
     Q_OBJECT

@@ -1,7 +1,6 @@
 // The printed map page window and its text editors, offscreen.
 #include "../test_map_page_fixture.h"
 #include "platform/Messages.h"
-#include "platform/ui/LegendView.h"
 #include "print/ui/FrmFont.h"
 #include "print/ui/FrmStampaNew.h"
 #include "support/TestSupport.h"
@@ -71,21 +70,6 @@ private slots:
         QVERIFY(!dlg.isVisible());
     }
 
-    void defaultTitle_data()
-    {
-        QTest::addColumn<QString>("caption");
-        QTest::addColumn<QString>("title");
-        QTest::newRow("no caption") << QString() << "Mervola";
-        QTest::newRow("blank caption") << "  " << "Mervola";
-        QTest::newRow("project caption") << "Mervola - Piemonte" << "Mervola - Piemonte";
-    }
-    void defaultTitle()
-    {
-        QFETCH(QString, caption);
-        QFETCH(QString, title);
-        QCOMPARE(defaultPageTitle(caption), title);
-    }
-
     void editsChangeTheWindowsPageOnly()
     {
         const MapPageContent original = stripePage(QPageLayout::Portrait);
@@ -140,42 +124,6 @@ private slots:
         const QString path = dir.filePath(QStringLiteral("pagina.pdf"));
         QVERIFY(dlg.savePdfTo(path).ok());
         QCOMPARE(readFile(path).left(4), QByteArray("%PDF"));
-    }
-
-    void legendPanelEntriesBecomeThePagesLegend()
-    {
-        LegendEntry hidden;
-        hidden.alias = QStringLiteral("Comuni");
-        hidden.visible = false;
-        LegendEntry classed;
-        classed.alias = QStringLiteral("Comunità montane");
-        classed.classes = {{Qt::red, Qt::black, QStringLiteral("0 - 10"), 7}, {Qt::blue, Qt::black, "10 - 20", 3}};
-        const auto legend = pageLegendFrom({hidden, classed});
-        QCOMPARE(int(legend.size()), 2);
-        QVERIFY(!legend[0].visible);
-        QCOMPARE(legend[1].classes[1].label, QStringLiteral("10 - 20"));
-        QCOMPARE(legend[1].classes[0].count, 7);
-        QCOMPARE(legend[1].classes[1].fill, QColor(Qt::blue));
-    }
-
-    void pageOfTheShownMap()
-    {
-        const MapPageContent shown = stripePage(QPageLayout::Portrait);
-        const map::MapRect view(50000, 80000, 150000, 20000);
-        LegendEntry entry;
-        entry.alias = QStringLiteral("Comuni");
-        const MapPageContent fromPanel = mapPageContentFor(shown.model, view, {entry}, QString());
-        QCOMPARE(fromPanel.title, QStringLiteral("Mervola"));
-        QCOMPARE(fromPanel.extent, view);
-        QCOMPARE(fromPanel.model.layerCount(), 1);
-        QCOMPARE(int(fromPanel.legend.size()), 1);
-        QCOMPARE(fromPanel.legend[0].alias, QStringLiteral("Comuni"));
-        QVERIFY(!fromPanel.dateText.isEmpty());
-        // Without panel entries the legend comes from the layers' renderers.
-        const MapPageContent fromModel = mapPageContentFor(shown.model, map::MapRect(), {}, QStringLiteral("Progetto"));
-        QCOMPARE(fromModel.title, QStringLiteral("Progetto"));
-        QCOMPARE(fromModel.extent, shown.model.extent());
-        QCOMPARE(int(fromModel.legend[0].classes.size()), 4);
     }
 
     void titleEditorRenamesVisibleThemesOnly()
