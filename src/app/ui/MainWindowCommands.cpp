@@ -233,8 +233,7 @@ bool MainWindow::useToolAtCentre()
     if (action(QStringLiteral("info"))->isChecked()) {
         showElementInfo(centre);
     } else if (action(QStringLiteral("zoomout"))->isChecked()) {
-        saveView();
-        setMapExtent(m_map->extent().scaled(1.5));
+        moveView(m_map->extent().scaled(1.5));
     } else if (action(QStringLiteral("zoomin"))->isChecked()) {
         zoomFixed(0.7);
     } else {
