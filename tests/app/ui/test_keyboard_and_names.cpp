@@ -12,6 +12,7 @@
 #include "platform/ui/Translations.h"
 #include "project/ReferenceDb.h"
 #include "support/ModalDriver.h"
+#include "support/RealAtlasWindow.h"
 #include "support/TestSupport.h"
 
 #include <QAction>
@@ -33,41 +34,20 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
-struct RealAtlasWindow {
-    QTemporaryDir dir;
-    std::unique_ptr<MainWindow> window;
-    bool ok = false;
+using test::RealAtlasWindow;
 
-    explicit RealAtlasWindow(const QStringList &referenceSql = {})
-    {
-        if (!test::copyRealAtlas(dir.path()))
-            return;
-        if (!referenceSql.isEmpty() && !ReferenceDb(AtlasHome(dir.path())).executeAll(referenceSql))
-            return;
-        appState().reset();
-        window = std::make_unique<MainWindow>(AtlasHome(dir.path()), appState());
-        if (!window->load())
-            return;
-        resizeWithinScreen(window.get(), QSize(1280, 860));  // as the program opens it
-        window->show();
-        ok = QTest::qWaitForWindowExposed(window.get());
-    }
-    void activate(const QString &layer)
-    {
-        for (int i = 0; i < window->legend()->entryCount(); ++i)
-            if (window->legend()->layerNameAt(i) == layer)
-                window->legend()->setActiveIndex(i);
-    }
-    QWidget *child(const char *name) { return window->findChild<QWidget *>(QLatin1String(name)); }
-};
+bool inside(const QRect &outer, const QRect &inner)
+{
+    return outer.contains(inner);
+}
 
-bool inside(const QRect &outer, const QRect &inner) { return outer.contains(inner); }
+} // namespace
 
-}  // namespace
-
-class TestKeyboardAndNames : public QObject {
+class TestKeyboardAndNames : public QObject
+{
     Q_OBJECT
 private slots:
     void initTestCase()
@@ -145,7 +125,7 @@ private slots:
         QTest::keyClick(regions, Qt::Key_Down);
         QTest::keyClick(regions, Qt::Key_Down);
         QCOMPARE(regions->currentIndex(), 2);
-        QCOMPARE(a.window->mapWidget()->model().layerCount(), layers);  // nothing loaded yet
+        QCOMPARE(a.window->mapWidget()->model().layerCount(), layers); // nothing loaded yet
         const QString code = regions->currentData().toString();
         QTest::keyClick(regions, Qt::Key_Return);
         QVERIFY(a.window->mapWidget()->model().find(QStringLiteral("comu_") + code));
@@ -186,7 +166,8 @@ private slots:
         QVERIFY(titles.contains(QStringLiteral("Informazioni su... Regioni")));
         QVERIFY(comuneFields.contains({QStringLiteral("Denominazione"), QStringLiteral("Agliè")}));
         QVERIFY(comuneFields.contains({QStringLiteral("Superficie territoriale (kmq)"), QStringLiteral("13,1462")}));
-        QVERIFY(comuneFields.contains({QStringLiteral("Densità di popolazione 2022 (ab/kmq)"), QStringLiteral("194,89")}));
+        QVERIFY(
+            comuneFields.contains({QStringLiteral("Densità di popolazione 2022 (ab/kmq)"), QStringLiteral("194,89")}));
         // The regions are not an indicator layer: their fields keep their names.
         QVERIFY(otherFields.contains({QStringLiteral("COD_REG"), QStringLiteral("01")}));
 
@@ -220,9 +201,10 @@ private slots:
             static_cast<QDialog *>(q)->reject();
         });
         a.window->dispatch(QStringLiteral("query"));
-        QVERIFY2(fieldNames.contains(QStringLiteral("Superficie territoriale (kmq)")), qPrintable(fieldNames.join('|')));
+        QVERIFY2(fieldNames.contains(QStringLiteral("Superficie territoriale (kmq)")),
+                 qPrintable(fieldNames.join('|')));
         QVERIFY(fieldNames.contains(QStringLiteral("Codice ISTAT")));
-        QCOMPARE(condition, QStringLiteral("[_01001]"));  // the stored name goes into the condition
+        QCOMPARE(condition, QStringLiteral("[_01001]")); // the stored name goes into the condition
 
         a.activate(QStringLiteral("commont"));
         QString title;
@@ -266,7 +248,7 @@ private slots:
             if (cancel)
                 cancel->click();
         });
-        a.window->close();  // asks whether to save; Annulla keeps the window open
+        a.window->close(); // asks whether to save; Annulla keeps the window open
         setMessagePresenter(nullptr);
         buttons.sort();
         QCOMPARE(buttons, (QStringList{"&Annulla", "&No", "&Sì"}));
@@ -282,7 +264,7 @@ private slots:
         QCOMPARE(messages.entries().value(0).text,
                  QStringLiteral("Impossibile reperire informazioni su tabella: STRUTTURE in t_rec!!!"));
         auto *resize = a.window->findChild<QTimer *>(QStringLiteral("tmrGrandezza"));
-        QTRY_VERIFY_WITH_TIMEOUT(!resize->isActive(), 3000);  // the opening's own check is over
+        QTRY_VERIFY_WITH_TIMEOUT(!resize->isActive(), 3000); // the opening's own check is over
         a.window->resize(a.window->width() - 40, a.window->height() - 30);
         QVERIFY(resize->isActive());
         QCOMPARE(resize->interval(), 1000);

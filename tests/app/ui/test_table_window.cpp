@@ -14,6 +14,7 @@
 #include "platform/ui/LastFolder.h"
 #include "platform/ui/LegendView.h"
 #include "support/ModalDriver.h"
+#include "support/RealAtlasWindow.h"
 #include "support/TestSupport.h"
 
 #include <QAction>
@@ -35,33 +36,12 @@
 
 using namespace mervola;
 
-namespace {
+namespace
+{
 
-struct RealAtlasWindow {
-    QTemporaryDir dir;
-    std::unique_ptr<MainWindow> window;
-    bool ok = false;
-
-    RealAtlasWindow()
-    {
-        if (!test::copyRealAtlas(dir.path()))
-            return;
-        appState().reset();
-        forgetLastFolder();
-        window = std::make_unique<MainWindow>(AtlasHome(dir.path()), appState());
-        if (!window->load())
-            return;
-        window->resize(1000, 700);
-        window->show();
-        ok = QTest::qWaitForWindowExposed(window.get());
-    }
-    void activate(const QString &layer)
-    {
-        LegendView *legend = window->legend();
-        for (int i = 0; i < legend->entryCount(); ++i)
-            if (legend->layerNameAt(i) == layer)
-                legend->setActiveIndex(i);
-    }
+// The main window as the table tests use it.
+struct RealAtlasWindow : test::RealAtlasWindow {
+    RealAtlasWindow() : test::RealAtlasWindow({}, QSize(1000, 700)) {}
     FrmDbf *openTable(const QString &layer)
     {
         activate(layer);
@@ -132,9 +112,10 @@ QString pdfText(const QString &path)
     return out;
 }
 
-}  // namespace
+} // namespace
 
-class TestTableWindow : public QObject {
+class TestTableWindow : public QObject
+{
     Q_OBJECT
 private slots:
     // Two municipalities are called Castro: the one chosen in the table is
@@ -154,7 +135,7 @@ private slots:
         QTRY_COMPARE(table->findChild<QLabel *>(QStringLiteral("txtCountSel"))->text(), QStringLiteral("1"));
         table->command(QStringLiteral("onmap"))->trigger();
         QCOMPARE(a.selectedText(QStringLiteral("comuni"), QStringLiteral("COD_ISTAT")), QStringLiteral("016065"));
-        QVERIFY(a.window->mapWidget()->extent().width() < 40000);  // zoomed to one small municipality
+        QVERIFY(a.window->mapWidget()->extent().width() < 40000); // zoomed to one small municipality
 
         // A new query drops the selection, and the count says so at once.
         query(table, QStringLiteral("[PROVINCIA] = 'Bergamo'"));
@@ -175,17 +156,17 @@ private slots:
         query(table, QStringLiteral("[Label] = 'Castro'"));
         auto *categories = table->findChild<QComboBox *>(QStringLiteral("cboCategorieFormDbf"));
         categories->setFocus();
-        QTest::keyClick(categories, Qt::Key_Down);  // Territorio
-        QTest::keyClick(categories, Qt::Key_Down);  // Popolazione
+        QTest::keyClick(categories, Qt::Key_Down); // Territorio
+        QTest::keyClick(categories, Qt::Key_Down); // Popolazione
         QCOMPARE(categories->currentText(), QStringLiteral("Popolazione"));
         QCOMPARE(table->findChild<QLabel *>(QStringLiteral("InfoSel"))->text(),
                  QStringLiteral("7899 record di 7899 selezionati."));
         QCOMPARE(visibleCaptions(table),
                  (QStringList{"Denominazione", "Codice ISTAT", "Codice provincia", "Provincia", "Codice regione",
                               "Codice comunità montana", "Popolazione residente 2022", "Popolazione legale 2001",
-                              "Popolazione legale 2011", "Popolazione residente al 31/12/2019",
-                              "Maschi residenti 2022", "Femmine residenti 2022"}));
-        QTest::keyClick(categories, Qt::Key_Home);  // INFORMAZIONI DI BASE: every column again
+                              "Popolazione legale 2011", "Popolazione residente al 31/12/2019", "Maschi residenti 2022",
+                              "Femmine residenti 2022"}));
+        QTest::keyClick(categories, Qt::Key_Home); // INFORMAZIONI DI BASE: every column again
         QCOMPARE(visibleCaptions(table).size(), 25);
 
         clickHeader(table, QStringLiteral("_01001"));
@@ -197,8 +178,8 @@ private slots:
         DbfFolder folder(QFileInfo(a.layer(QStringLiteral("comuni")).data->sourcePath).absolutePath());
         auto expected = folder.query(QStringLiteral("SELECT avg([_01001]), max([_01001]) FROM comuni"));
         QVERIFY(expected.ok());
-        QCOMPARE(stats->grid()->item(5, 1)->text(), decimalText(expected->rows[0][0].toDouble(), 4));  // media
-        QCOMPARE(stats->grid()->item(3, 1)->text(), decimalText(expected->rows[0][1].toDouble(), 4));  // massimo
+        QCOMPARE(stats->grid()->item(5, 1)->text(), decimalText(expected->rows[0][0].toDouble(), 4)); // media
+        QCOMPARE(stats->grid()->item(3, 1)->text(), decimalText(expected->rows[0][1].toDouble(), 4)); // massimo
         QVERIFY(stats->grid()->item(5, 1)->text().contains(QLatin1Char(',')));
         QVERIFY(stats->grid()->item(5, 1)->text().section(QLatin1Char(','), 1).size() <= 4);
         stats->close();
@@ -217,10 +198,11 @@ private slots:
         QCOMPARE(table->grid()->model()->rowCount(), 3);
         table->command(QStringLiteral("grafico"))->trigger();
         clickRow(table, rowWhere(table, QStringLiteral("Label"), QStringLiteral("Agliè")));
-        clickRow(table, rowWhere(table, QStringLiteral("Label"), QStringLiteral("Borgaro Torinese")), Qt::ControlModifier);
+        clickRow(table, rowWhere(table, QStringLiteral("Label"), QStringLiteral("Borgaro Torinese")),
+                 Qt::ControlModifier);
         clickRow(table, rowWhere(table, QStringLiteral("Label"), QStringLiteral("Airasca")), Qt::ControlModifier);
         auto *indicator = table->findChild<QComboBox *>(QStringLiteral("cbonumeric"));
-        indicator->setCurrentIndex(indicator->findData(QStringLiteral("_02011")));  // null for Borgaro
+        indicator->setCurrentIndex(indicator->findData(QStringLiteral("_02011"))); // null for Borgaro
         auto *type = table->findChild<QComboBox *>(QStringLiteral("cboTipo"));
         type->setCurrentIndex(type->findText(QStringLiteral("Linee")));
         QTest::mouseClick(table->findChild<QPushButton *>(QStringLiteral("cmdGrafico")), Qt::LeftButton);
@@ -233,7 +215,7 @@ private slots:
                 ++lines;
                 points += line->points();
             }
-        QCOMPARE(lines, 2);  // the line breaks at the missing value
+        QCOMPARE(lines, 2); // the line breaks at the missing value
         QCOMPARE(points.size(), 2);
         QCOMPARE(points[0].x(), 0.0);
         QCOMPARE(points[1].x(), 2.0);
@@ -250,7 +232,7 @@ private slots:
         QVERIFY(a.ok);
         FrmDbf *table = a.openTable(QStringLiteral("comuni"));
         QVERIFY(table);
-        query(table, QStringLiteral("[COD_REG] = '01'"));  // Piemonte
+        query(table, QStringLiteral("[COD_REG] = '01'")); // Piemonte
         clickHeader(table, QStringLiteral("_02010"));
         table->command(QStringLiteral("sortDec"))->trigger();
         const bool printer = !QPrinterInfo::availablePrinters().isEmpty();
@@ -263,7 +245,7 @@ private slots:
             test::onModal("QFileDialog", [&](QWidget *w) {
                 auto *dialog = static_cast<QFileDialog *>(w);
                 dialog->setDirectory(folder);
-                dialog->selectFile(QStringLiteral("piemonte"));  // no extension
+                dialog->selectFile(QStringLiteral("piemonte")); // no extension
                 QMetaObject::invokeMethod(dialog, "accept");
             });
             preview->findChild<QAction *>(QStringLiteral("pdf"))->trigger();
@@ -276,21 +258,22 @@ private slots:
         });
         table->command(QStringLiteral("stampa"))->trigger();
         if (!printer)
-            QCOMPARE(messages.entries().value(0).text,
-                     QStringLiteral("Non è installata alcuna stampante. Impossibile visualizzare il preview di stampa"));
-        QCOMPARE(secondDialogFolder, QDir(folder).absolutePath());  // the folder last used
+            QCOMPARE(
+                messages.entries().value(0).text,
+                QStringLiteral("Non è installata alcuna stampante. Impossibile visualizzare il preview di stampa"));
+        QCOMPARE(secondDialogFolder, QDir(folder).absolutePath()); // the folder last used
         const QString pdf = folder + QStringLiteral("/piemonte.pdf");
         QVERIFY(QFileInfo::exists(pdf));
         const QString text = pdfText(pdf);
         QVERIFY2(text.contains(QStringLiteral("Torino")), qPrintable(text.left(2000)));
-        QVERIFY(!text.contains(QStringLiteral("Milano")));  // only the query's rows
+        QVERIFY(!text.contains(QStringLiteral("Milano"))); // only the query's rows
         // Sorted by population, largest first.
         QVERIFY(text.indexOf(QStringLiteral("Torino")) < text.indexOf(QStringLiteral("Novara")));
         QVERIFY(text.indexOf(QStringLiteral("Novara")) < text.indexOf(QStringLiteral("Alessandria")));
         // Whole values: population, ISTAT codes, decimals with the comma.
         for (const char *value : {"2562", "001001", "13,1462", "194,89"})
             QVERIFY2(text.contains(QLatin1String(value)), value);
-        QVERIFY(!text.contains(QChar(0x2026)));  // nothing shortened
+        QVERIFY(!text.contains(QChar(0x2026))); // nothing shortened
     }
 
     // Names in alphabetical order, found without their accents.
