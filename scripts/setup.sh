@@ -6,7 +6,8 @@ PKGS="build-essential cmake ninja-build ccache pkg-config \
  qt6-base-dev qt6-svg-dev qt6-charts-dev qt6-datavisualization-dev qt6-declarative-dev \
  libqt6svg6 qt6-qpa-plugins libgl-dev \
  libgdal-dev gdal-bin libsqlite3-dev sqlite3 mdbtools-dev mdbtools zlib1g-dev \
- libbenchmark-dev xvfb xauth fonts-dejavu-core fonts-liberation2 poppler-utils"
+ libbenchmark-dev xvfb xauth fonts-dejavu-core fonts-liberation2 \
+ qt6-translations-l10n poppler-utils"
 missing=""
 for p in $PKGS; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"

@@ -22,7 +22,7 @@ namespace mervola {
 
 namespace StartupText {
 inline const QString kAlreadyRunning = QStringLiteral("L'applicazione è già in esecuzione.");
-inline const QString kNoStructure = QStringLiteral("Impossibile reperire informazioni su tabella:");
+inline const QString kNoStructure = QStringLiteral("Impossibile reperire informazioni su tabella: ");
 inline const QString kNoStructureEnd = QStringLiteral(" in t_rec!!!");
 }  // namespace StartupText
 

@@ -100,7 +100,8 @@ void AttributeTable::setUpColumns(const IndicatorCatalog &catalog, const QString
             if (text != kNoMatch && !text.isEmpty())
                 col.caption = text;
         }
-        col.visible = !isDummy(name) && (!filtered || catalog.inStructure(name) || catalog.inCategory(name, category));
+        // A category shows the base information and its own indicators.
+        col.visible = !isDummy(name) && (!filtered || catalog.inCategory(name, category) || !catalog.isIndicator(name));
     }
 }
 
@@ -186,12 +187,6 @@ QStringList AttributeTable::exportFields() const
     return fields;
 }
 
-QString AttributeTable::exportStatement(const QString &newTable) const
-{
-    return QStringLiteral("SELECT ") + exportFields().join(QLatin1Char(',')) + QStringLiteral(" INTO ") + newTable
-           + QStringLiteral(" FROM ") + m_table + QLatin1Char(' ') + m_filter;
-}
-
 Status AttributeTable::exportTo(const QString &path) const
 {
     const QString source = m_folder->tablePath(m_table);
@@ -219,21 +214,21 @@ Status AttributeTable::exportTo(const QString &path) const
     return writeDbf(path, out);
 }
 
-namespace {
-// The element key: the Label field of the base tables, else the third field.
-int keyColumn(const AttributeTable &t)
+int AttributeTable::keyColumn() const
 {
-    const int label = t.fieldIndex(QStringLiteral("Label"));
-    if (label >= 0)
-        return label;
-    return t.columnCount() > 2 ? 2 : -1;
+    // Names repeat (two Castro, in Bergamo and in Lecce); the codes do not.
+    const QString t = m_table.toUpper();
+    const bool community = t == QLatin1String("COMMONT") || t.startsWith(QLatin1String("CMONT_"));
+    for (const char *name : {community ? "PROG_MONT" : "COD_ISTAT", "Label"})
+        if (const int c = fieldIndex(QLatin1String(name)); c >= 0)
+            return c;
+    return columnCount() > 2 ? 2 : -1;
 }
-}  // namespace
 
 QStringList AttributeTable::keyValues(const QList<int> &shownRows) const
 {
     QStringList values;
-    const int key = keyColumn(*this);
+    const int key = keyColumn();
     if (key < 0)
         return values;
     for (int row : shownRows) {
@@ -248,7 +243,7 @@ QStringList AttributeTable::keyValues(const QList<int> &shownRows) const
 
 QString AttributeTable::onMapCondition(const QList<int> &shownRows) const
 {
-    const int key = keyColumn(*this);
+    const int key = keyColumn();
     if (key < 0)
         return QString();
     const QString delimiter = m_columns[size_t(key)].field.type == DbfType::Text ? QStringLiteral("'")

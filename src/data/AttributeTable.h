@@ -86,16 +86,18 @@ public:
 
     // Fields written by the export: every field but DUMMY, in table order.
     QStringList exportFields() const;
-    // The export statement as the database would be given it.
-    QString exportStatement(const QString &newTable) const;
     // Writes the filtered records (all fields but DUMMY) to `path`, replacing
     // a file of that name only once the new one is complete.
     Status exportTo(const QString &path) const;
 
-    // The map condition for the given shown rows: key field (third field) =
-    // value, joined by " and ". Empty when no row gives a value.
+    // The element key: the theme's unique code (PROG_MONT for the mountain
+    // communities, COD_ISTAT where the table has it), else Label, else the
+    // third field; -1 when none.
+    int keyColumn() const;
+    // The map condition for the given shown rows: key field = value, joined
+    // by " and ". Empty when no row gives a value.
     QString onMapCondition(const QList<int> &shownRows) const;
-    // The key values (third field) of the given shown rows, as text.
+    // The key values of the given shown rows, as text.
     QStringList keyValues(const QList<int> &shownRows) const;
 
     DbfWindowState state(int column, const QList<int> &selectedShownRows, const QString &caption) const;

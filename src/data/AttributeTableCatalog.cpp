@@ -55,6 +55,16 @@ QString IndicatorCatalog::description(const QString &field, const QString &categ
     return found ? found->description.toUpper() : kNoMatch;
 }
 
+bool IndicatorCatalog::isIndicator(const QString &field) const
+{
+    if (find(field, kBaseCategoryCode))
+        return true;
+    for (const auto &cat : m_categories)
+        if (find(field, cat.first))
+            return true;
+    return false;
+}
+
 bool IndicatorCatalog::inCategory(const QString &field, const QString &category) const
 {
     const Indicator *found = find(field, category);

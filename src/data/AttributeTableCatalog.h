@@ -44,6 +44,9 @@ public:
     // with that category's name).
     bool inCategory(const QString &field, const QString &category) const;
     bool inStructure(const QString &field) const { return m_structure.findByLabel(field) != nullptr; }
+    // True when the field is an indicator of some category; the other
+    // fields are the table's base information.
+    bool isIndicator(const QString &field) const;
 
 private:
     const Indicator *find(const QString &field, const QString &category) const;

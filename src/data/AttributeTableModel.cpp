@@ -1,6 +1,6 @@
 #include "data/AttributeTableModel.h"
 
-#include "platform/dbf/DbfValues.h"
+#include "platform/NumberText.h"
 
 #include <QDate>
 
@@ -27,7 +27,7 @@ QString AttributeTableModel::displayText(const QVariant &value)
         return QString();
     switch (value.typeId()) {
     case QMetaType::Double:
-        return dbfvalues::formatNumber(value.toDouble());
+        return decimalText(value.toDouble());  // the decimal comma, as everywhere a user reads numbers
     case QMetaType::Bool:
         return value.toBool() ? QStringLiteral("Vero") : QStringLiteral("Falso");
     case QMetaType::QDate:

@@ -8,10 +8,6 @@ namespace mervola::texts {
 inline const QString kCaptionPrefix = QStringLiteral("Tabella ");
 inline const QString kJoinedSuffix = QStringLiteral(" (collegata con dati esterni)");
 inline const QString kCtrlHint = QStringLiteral("Premere CTRL per selezionare più elementi");
-inline const QString kTooFewRecords = QStringLiteral("Numero di elementi insufficienti.");
-inline const QString kNoStatistics = QStringLiteral("Impossibile eseguire statistiche.");
-inline const QString kNoNumericData =
-    QStringLiteral("La corrente collezione di dati non presenta informazioni di tipo numerico.");
 inline const QString kNoPrinter =
     QStringLiteral("Non è installata alcuna stampante. Impossibile visualizzare il preview di stampa");
 inline const QString kExportTitle = QStringLiteral("Esporta tabella");
@@ -20,9 +16,6 @@ inline const QString kExported = QStringLiteral("File esportato con successo in 
 inline const QString kExportOverSource =
     QStringLiteral("Impossibile esportare la tabella sul file della tabella aperta.");
 inline const QString kNothingOnMap = QStringLiteral("Nessun elemento valido su cui fare la ricerca");
-inline const QString kNoIndicator = QStringLiteral("Nessun indicatore selezionato.");
-inline const QString kMaxTen = QStringLiteral("Attenzione: selezionare massimo 10 elementi");
-inline const QString kNoneSelected = QStringLiteral("Nessun elemento selezionato.");
 inline const QString kNoColumn = QStringLiteral("Nessuna colonna selezionata.");
 inline const QString kNotAvailable = QStringLiteral("Funzione non ancora disponibile in questa versione.");
 

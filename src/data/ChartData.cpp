@@ -1,5 +1,4 @@
 #include "data/ChartData.h"
-#include "platform/FieldNames.h"
 
 #include "data/Statistics.h"
 
@@ -16,16 +15,15 @@ namespace
 struct ChartType {
     const char *text;
     ChartKind kind;
-    int flatCode;
-    int solidCode; // -1: not offered in three dimensions
+    bool solid; // offered in three dimensions
 };
 
 constexpr std::array<ChartType, 5> kTypes{{
-    {"Barre", ChartKind::Bars, 1, 0},
-    {"Linee", ChartKind::Lines, 3, 2},
-    {"Aree", ChartKind::Areas, 5, 4},
-    {"Step", ChartKind::Step, 7, 6},
-    {"Torta", ChartKind::Pie, 14, -1},
+    {"Barre", ChartKind::Bars, true},
+    {"Linee", ChartKind::Lines, true},
+    {"Aree", ChartKind::Areas, true},
+    {"Step", ChartKind::Step, true},
+    {"Torta", ChartKind::Pie, false},
 }};
 
 const ChartType *typeAt(int index, bool threeD)
@@ -33,14 +31,9 @@ const ChartType *typeAt(int index, bool threeD)
     if (index < 0 || index >= int(kTypes.size()))
         return nullptr;
     const ChartType &t = kTypes[size_t(index)];
-    if (threeD && t.solidCode < 0)
+    if (threeD && !t.solid)
         return nullptr;
     return &t;
-}
-
-bool isDummy(const QString &name)
-{
-    return isPlaceholderField(name);
 }
 
 QLocale italianPlain()
@@ -66,14 +59,6 @@ std::optional<ChartKind> chartKindAt(int index, bool threeD)
     if (const ChartType *t = typeAt(index, threeD))
         return t->kind;
     return std::nullopt;
-}
-
-int chartTypeCode(int index, bool threeD)
-{
-    const ChartType *t = typeAt(index, threeD);
-    if (!t)
-        return -1;
-    return threeD ? t->solidCode : t->flatCode;
 }
 
 Status checkChartRequest(bool indicatorChosen, int selectedCount)
@@ -139,33 +124,6 @@ Result<ChartSeries> chartSeries(const DbfTable &table, const QString &field, con
     return s;
 }
 
-Result<ChartSeries> chartSeriesByKeys(const DbfTable &table, const QString &field, const QString &keyField,
-                                      const QStringList &keys)
-{
-    const int key = table.fieldIndex(keyField);
-    if (key < 0)
-        return Result<ChartSeries>::fail(QStringLiteral("Campo non trovato: %1").arg(keyField));
-    QList<int> rows;
-    for (const QString &k : keys) {
-        for (size_t r = 0; r < table.rowCount(); ++r) {
-            if (table.rows[r][size_t(key)].toString().trimmed() == k.trimmed()) {
-                rows << int(r);
-                break;
-            }
-        }
-    }
-    return chartSeries(table, field, rows);
-}
-
-QStringList chartableFields(const DbfTable &table)
-{
-    QStringList out;
-    for (const DbfField &f : table.fields)
-        if (isNumericField(f) && !isDummy(f.name))
-            out << f.name;
-    return out;
-}
-
 QString chartValueText(double value, const ChartSeries &series, LabelFormat format)
 {
     const QLocale l = italianPlain();
@@ -174,10 +132,9 @@ QString chartValueText(double value, const ChartSeries &series, LabelFormat form
         const double share = total == 0 ? 0 : value / total * 100.0;
         return l.toString(std::round(share), 'f', 0) + QLatin1Char('%');
     }
-    if (series.hasDecimals()) {
-        QLocale grouped(QLocale::Italian, QLocale::Italy);
-        return grouped.toString(value, 'f', 2);
-    }
+    // "#,##": thousands grouped, no decimals; "#": the plain whole number.
+    if (series.hasDecimals())
+        return QLocale(QLocale::Italian, QLocale::Italy).toString(std::round(value), 'f', 0);
     return l.toString(std::round(value), 'f', 0);
 }
 

@@ -48,8 +48,6 @@ enum class ChartKind { Bars, Lines, Areas, Step, Pie };
 QStringList chartTypeNames(bool threeD);
 // The chart kind of a list index; none beyond the list.
 std::optional<ChartKind> chartKindAt(int index, bool threeD);
-// The chart control's type code (1, 3, 5, 7, 14 flat; 0, 2, 4, 6 solid); -1 beyond the list.
-int chartTypeCode(int index, bool threeD);
 
 // The refusals before a chart is drawn, in this order: no indicator, more
 // than 10 rows, no row.
@@ -76,19 +74,13 @@ struct ChartSeries {
 // One point per row index of `table`, in the given order. Fails when the
 // field is missing or not numeric.
 Result<ChartSeries> chartSeries(const DbfTable &table, const QString &field, const QList<int> &rows);
-// The same, rows found by the values of `keyField` (the element keys of the
-// selected grid rows, in selection order); unknown keys are skipped.
-Result<ChartSeries> chartSeriesByKeys(const DbfTable &table, const QString &field, const QString &keyField,
-                                      const QStringList &keys);
-
-// Numeric fields of a table that can be charted (DUMMY excluded), in table order.
-QStringList chartableFields(const DbfTable &table);
 
 enum class LabelFormat { Values, Percentages };
 
 // A value as its data-point label shows it: "0%" of the series total for
-// percentages; for values two decimals when the series has decimals ("#,##"),
-// a whole number otherwise ("#").
+// percentages; for values, when the series has decimals, the format "#,##"
+// (thousands grouped with ".", no decimals: "12.346"), otherwise "#" (the
+// plain whole number: "12346").
 QString chartValueText(double value, const ChartSeries &series, LabelFormat format);
 // "Label: value"; the label alone for a null value.
 QString chartPointLabel(const ChartPoint &point, const ChartSeries &series, LabelFormat format);

@@ -1,6 +1,7 @@
 #include "data/ElementInfo.h"
 #include "platform/FieldNames.h"
 
+#include "platform/NumberText.h"
 #include "platform/SqlText.h"
 
 namespace mervola {
@@ -13,6 +14,12 @@ QString infoValueText(const QString &text)
             return text.left(at);
     }
     return text;
+}
+
+bool isMunicipalityLayer(const QString &theme)
+{
+    return theme.compare(QLatin1String("comuni"), Qt::CaseInsensitive) == 0
+           || theme.left(5).toUpper() == QLatin1String("COMU_");
 }
 
 bool isCommunityLayer(const QString &theme)
@@ -44,7 +51,7 @@ QList<FoundElement> collectElements(const map::MapModel &model, QPointF mapPoint
             if (c.name.compare(QLatin1String("PROG_MONT"), Qt::CaseInsensitive) == 0)
                 e.progMont = value;
             const QString shown = nameOf ? nameOf(layer.name, c.name) : QString();
-            e.fields.append({shown.isEmpty() ? c.name : shown, infoValueText(value)});
+            e.fields.append({shown.isEmpty() ? c.name : shown, decimalCommaText(infoValueText(value))});
         }
         out.append(e);
     }
@@ -64,7 +71,7 @@ Result<QList<QPair<QString, QString>>> categoryRow(const ReferenceDb &db, const 
         if (isPlaceholderField(rows->columns[c]))
             continue;
         const QVariant v = rows->rows.front()[size_t(c)];
-        out.append({rows->columns[c], v.isNull() ? QString() : infoValueText(v.toString())});
+        out.append({rows->columns[c], v.isNull() ? QString() : decimalCommaText(infoValueText(v.toString()))});
     }
     return out;
 }

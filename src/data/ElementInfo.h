@@ -22,12 +22,15 @@ struct FoundElement {
 
 using FieldNamer = std::function<QString(const QString &theme, const QString &field)>;
 
-// The element under `mapPoint` in every visible theme, top theme first.
+// The element under `mapPoint` in every visible theme, top theme first;
+// values with the decimal comma.
 QList<FoundElement> collectElements(const map::MapModel &model, QPointF mapPoint, double tolerance,
                                     const FieldNamer &nameOf = {});
 
 // A value's text without a ".00000" / ",00000" tail ("125.00000" -> "125").
 QString infoValueText(const QString &text);
+// True for the municipality layers ("comuni" or a name starting "COMU_").
+bool isMunicipalityLayer(const QString &theme);
 // True for the mountain-community layer ("commont" or a name starting "CMON").
 bool isCommunityLayer(const QString &theme);
 // "01".."NN": the category code of a position in the category list.

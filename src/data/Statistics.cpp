@@ -1,4 +1,5 @@
 #include "data/Statistics.h"
+#include "platform/NumberText.h"
 #include "platform/FieldNames.h"
 
 #include "platform/dbf/DbfFolder.h"
@@ -94,6 +95,7 @@ Result<ColumnStatistics> computeStatistics(DbfFolder &folder, const StatisticsRe
     if (index < 0 || !isNumericField(shape->fields[index]))
         return Result<ColumnStatistics>::fail(StatText::kColumnNotNumeric, kStatErrorNotNumeric);
 
+    s.decimals = shape->fields[index].decimals;
     auto rows = folder.query(statisticsAggregateSql(shape->fields[index].name, table, request.filter));
     if (!rows)
         return rows.error();
@@ -141,11 +143,23 @@ QString statisticsNumberText(double value)
     return text == QLatin1String("-0") ? QStringLiteral("0") : text;
 }
 
+QString statisticsValueText(double value, int decimals)
+{
+    return decimalText(value, std::clamp(decimals, 0, 15));
+}
+
+QString statisticsSpreadText(double value, int decimals)
+{
+    return decimalText(value, std::clamp(decimals, 2, 15));
+}
+
 QStringList statisticsValueTexts(const ColumnStatistics &s)
 {
     QStringList out{QString::number(s.count)};
-    for (double v : {s.sum, s.minimum, s.maximum, s.range, s.mean, s.variance, s.deviation})
-        out << statisticsNumberText(v);
+    for (double v : {s.sum, s.minimum, s.maximum, s.range})
+        out << statisticsValueText(v, s.decimals);
+    for (double v : {s.mean, s.variance, s.deviation})
+        out << statisticsSpreadText(v, s.decimals);
     return out;
 }
 

@@ -27,6 +27,7 @@ inline const QString kNoNumericData =
 inline const QString kColumnNotNumeric = QStringLiteral("Impossibile calcolare le statistiche.\n"
                                                         "La colonna selezionata non contiene numeri.");
 inline const QString kNoColumn = QStringLiteral("Nessuna colonna selezionata.");
+inline const QString kColumn = QStringLiteral("Colonna: ");
 } // namespace StatText
 
 // Error code of a result refused because the column holds no numbers (shown
@@ -48,6 +49,7 @@ struct StatisticsRequest {
 // database returns as null is 0.
 struct ColumnStatistics {
     QString caption;
+    int decimals = 0; // the column's declared decimals
     int count = 0;
     double sum = 0;
     double minimum = 0;
@@ -86,6 +88,12 @@ QStringList statisticsValueTexts(const ColumnStatistics &stats);
 // A number as the grid writes it: Italian decimal comma, no grouping,
 // at most fifteen significant digits.
 QString statisticsNumberText(double value);
+// Sum, minimum, maximum and range keep the column's decimals; mean,
+// variance and deviation two more than a whole-number column has, at
+// least two and at most the column's, so "87,1456" rather than
+// "87,1456256625".
+QString statisticsValueText(double value, int decimals);
+QString statisticsSpreadText(double value, int decimals);
 
 // Window caption: "Statistiche su " + the attribute window's caption in upper case.
 QString statisticsCaption(const QString &tableWindowCaption);

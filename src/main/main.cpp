@@ -7,9 +7,11 @@
 #include "app/ui/AppStart.h"
 #include "app/ui/AtlasPreparation.h"
 #include "app/ui/MainWindow.h"
+#include "platform/Allocator.h"
 #include "platform/AtlasHome.h"
 #include "platform/Messages.h"
 #include "platform/ui/MessageBoxPresenter.h"
+#include "platform/ui/Translations.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -68,11 +70,13 @@ int main(int argc, char **argv)
         return *answered;
     QElapsedTimer clock;
     clock.start();
+    keepFreedMemoryForReuse();
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Mervola"));
     QApplication::setApplicationVersion(QStringLiteral(MERVOLA_VERSION));
     QApplication::setOrganizationName(QStringLiteral("Mervola"));
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("mervola")));
+    installItalian();
     // Qt has taken its own options out of the arguments; ours are left.
     const QStringList args = QApplication::arguments();
     QString homeArg, screenshot;

@@ -193,6 +193,31 @@ Result<int> SqliteDb::run(const QString &sql, const QVariantList &params)
     return sqlite3_changes(m_db);
 }
 
+Status SqliteDb::runEach(const QString &sql, size_t count, const std::function<QVariantList(size_t)> &params)
+{
+    auto prepared = prepare(sql, {});
+    if (!prepared)
+        return prepared.error();
+    sqlite3_stmt *st = *prepared;
+    for (size_t i = 0; i < count; ++i) {
+        const QVariantList values = params(i);
+        for (int p = 0; p < values.size(); ++p)
+            bindValue(st, p + 1, values[p]);
+        int rc;
+        while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
+        }
+        if (rc != SQLITE_DONE) {
+            const QString error = lastError();
+            sqlite3_finalize(st);
+            return Status::fail(QStringLiteral("Errore SQL: %1").arg(error), rc);
+        }
+        sqlite3_reset(st);
+        sqlite3_clear_bindings(st);
+    }
+    sqlite3_finalize(st);
+    return {};
+}
+
 QString sqlIdentifier(const QString &name)
 {
     QString n = name;

@@ -6,6 +6,7 @@
 
 #include <QStringList>
 #include <QVariant>
+#include <functional>
 #include <vector>
 
 struct sqlite3;
@@ -48,6 +49,10 @@ public:
     Result<RowSet> query(const QString &sql, const QVariantList &params = {});
     // Runs one statement with parameters, discarding rows; returns changed rows.
     Result<int> run(const QString &sql, const QVariantList &params = {});
+
+    // Runs one statement `count` times, prepared once, with the parameters
+    // that `params` gives for each run (0 to count - 1).
+    Status runEach(const QString &sql, size_t count, const std::function<QVariantList(size_t)> &params);
 
     Status begin() { return exec(QStringLiteral("BEGIN")); }
     Status commit() { return exec(QStringLiteral("COMMIT")); }

@@ -13,12 +13,15 @@
 #include <QFont>
 #include <QMap>
 #include <QSizeF>
+#include <memory>
 
 class QPainter;
 class QPagedPaintDevice;
 
 namespace mervola
 {
+
+class GlyphSetter;
 
 struct ReportStyle {
     QString font = QStringLiteral("Arial");
@@ -78,16 +81,33 @@ public:
         m_pages.clear();
     }
     QSizeF pageSizeTwips() const;
+    // Turns the pages; the text widths already measured stay valid.
+    void setOrientation(ReportOrientation orientation)
+    {
+        m_def.orientation = orientation;
+        m_pages.clear();
+    }
 
     int pageCount() const;
+    // Columns never cut a value: when the table is wider than the page the
+    // text gets smaller (down to two thirds), and what still does not fit
+    // goes on further bands of columns, each repeating the first column.
+    // The rows of one stretch of the table are printed band after band.
+    int bandCount() const;
+    double fontScale() const;
+    // The columns (indexes into the detail fields) of a band.
+    std::vector<int> bandColumns(int band) const;
+
     // Paints page `page` (0-based) with the painter's unit = one twip.
     void paintPage(QPainter &painter, int page) const;
     // A page as an image at `dpi` (for the preview).
     QImage pageImage(int page, double dpi) const;
     // Paints every page on a printer or PDF writer (page size and
-    // orientation are set on the device from the definition).
-    Status print(QPagedPaintDevice &device) const;
-    Status writePdf(const QString &path) const;
+    // orientation are set on the device from the definition). `progress`
+    // hears of every page and may stop the work (reporttext::kCancelled).
+    Status print(QPagedPaintDevice &device, const ReportProgress &progress = {}) const;
+    // A stopped or failed PDF leaves no file behind.
+    Status writePdf(const QString &path, const ReportProgress &progress = {}) const;
 
 private:
     struct Page {
@@ -95,6 +115,7 @@ private:
         int count = 0;
     };
     void layout() const;
+    void measure() const;
     QFont fontFor(const QString &styleName) const;
     QRectF bodyRect() const;
     QStringList titles() const;
@@ -103,10 +124,21 @@ private:
     std::vector<QStringList> m_rows;
     QDateTime m_when;
     QSizeF m_paper{11906, 16838}; // A4
-    mutable std::vector<Page> m_pages;
-    mutable std::vector<double> m_widths;  // column widths, twips
-    mutable std::vector<double> m_heights; // row heights, twips
+    mutable std::vector<Page> m_pages;       // stretches of rows
+    mutable std::vector<std::vector<int>> m_bands;
+    mutable double m_scale = 1;              // of the header and detail fonts
+    mutable std::vector<double> m_widths;    // column widths, twips
+    mutable std::vector<double> m_heights;   // row heights, twips
     mutable double m_titleHeight = 0;
+    // Measured once at full size: text width of every cell, row by row.
+    mutable std::vector<float> m_cellWidths;
+    mutable std::vector<double> m_naturalWidths; // per column, text only
+    // The cells' text set at the laid-out size, title row and detail rows.
+    mutable std::shared_ptr<GlyphSetter> m_headGlyphs, m_detailGlyphs;
 };
+
+// Turns the report of a home to landscape when its columns need fewer
+// bands there than on a portrait page.
+Status turnWideReport(const AtlasHome &home);
 
 } // namespace mervola

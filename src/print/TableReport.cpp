@@ -4,7 +4,6 @@
 #include "platform/FileReplace.h"
 #include "platform/Profile.h"
 #include "platform/SqlText.h"
-#include "platform/dbf/DbfFolder.h"
 #include "project/ReferenceDb.h"
 
 #include <QFile>
@@ -121,66 +120,76 @@ Status setReportOrientation(const AtlasHome &home, ReportOrientation orientation
     return writeDefinition(current, reportDefinitionNewPath(home), lines);
 }
 
-Result<RowSet> readReportRows(DbfFolder &folder, const QString &table, const QStringList &fields, const QString &filter)
+Status fillTempRpt(const ReferenceDb &db, const QStringList &fields, const std::vector<QStringList> &rows,
+                   const ReportProgress &progress)
 {
-    QString list;
-    for (const QString &f : fields)
-        list += QLatin1Char(',') + bracket(f);
-    list = list.mid(1); // the leading comma
-    if (list.isEmpty())
-        list = QStringLiteral("*");
-    QString sql = QStringLiteral("Select ") + list + QStringLiteral(" from ") + bracket(table);
-    if (!filter.trimmed().isEmpty())
-        sql += QStringLiteral(" Where ") + filter;
-    auto rows = folder.query(sql);
-    if (!rows)
-        return rows.error();
-    if (fields.isEmpty())
-        for (auto &r : rows->rows)
-            r.clear();
-    return rows;
-}
-
-QString tempRptInsertStatement(const QStringList &fields, const std::vector<QVariant> &row)
-{
-    QStringList names, values;
+    QStringList columns, names, values;
     for (int i = 0; i < fields.size(); ++i) {
+        columns << bracket(fields[i]) + QStringLiteral(" TEXT");
         names << bracket(fields[i]);
-        const QVariant v = size_t(i) < row.size() ? row[size_t(i)] : QVariant();
-        values << (v.isNull() ? QStringLiteral("'-'") : sqlQuote(v.toString()));
+        values << QLatin1Char('?') + QString::number(i + 1);
     }
-    return QStringLiteral("Insert into TempRpt (") + names.join(QLatin1Char(',')) + QStringLiteral(") Values (") +
-           values.join(QLatin1Char(',')) + QStringLiteral(");");
-}
-
-Status fillTempRpt(const ReferenceDb &db, const QStringList &fields, const RowSet &rows)
-{
-    QStringList columns;
-    for (const QString &f : fields)
-        columns << bracket(f) + QStringLiteral(" TEXT");
     if (columns.isEmpty())
         columns << QStringLiteral("DUMMY TEXT"); // a table needs one column; DUMMY is never printed
-    QStringList statements{QStringLiteral("DROP TABLE IF EXISTS TempRpt"), QStringLiteral("CREATE TABLE TempRpt (") +
-                                                                               columns.join(QStringLiteral(", ")) +
-                                                                               QLatin1Char(')')};
-    if (!fields.isEmpty())
-        for (const auto &r : rows.rows)
-            statements << tempRptInsertStatement(fields, r);
-    if (Status s = db.executeAll(statements); !s)
-        return Error{reporttext::kCloseReferenceDb, s.error().code};
-    return {};
+    auto conn = db.open();
+    if (!conn)
+        return Error{reporttext::kCloseReferenceDb, conn.error().code};
+    auto failed = [&conn](const Status &s) {
+        (void)conn->rollback();
+        return Status(Error{reporttext::kCloseReferenceDb, s.error().code});
+    };
+    if (Status s = conn->begin(); !s)
+        return failed(s);
+    for (const QString &sql : {QStringLiteral("DROP TABLE IF EXISTS TempRpt"),
+                               QStringLiteral("CREATE TABLE TempRpt (") + columns.join(QStringLiteral(", ")) +
+                                   QLatin1Char(')')})
+        if (Status s = conn->exec(ReferenceDb::toSqlite(sql)); !s)
+            return failed(s);
+    // One insert statement, prepared once; every value goes in as text, an
+    // empty value (a null in the table) as "-". The rows go in by chunks,
+    // each in one transaction, so that a long table shows its progress and
+    // can be stopped.
+    const QString insert = ReferenceDb::toSqlite(QStringLiteral("Insert into TempRpt (") +
+                                                 names.join(QLatin1Char(',')) + QStringLiteral(") Values (") +
+                                                 values.join(QLatin1Char(',')) + QStringLiteral(");"));
+    constexpr size_t kChunk = 1000;
+    const int total = int(rows.size());
+    size_t next = 0;
+    while (true) {
+        const size_t end = fields.isEmpty() ? rows.size() : std::min(rows.size(), next + kChunk);
+        if (!fields.isEmpty()) {
+            const Status s = conn->runEach(insert, end - next, [&](size_t i) {
+                const QStringList &row = rows[next + i];
+                QVariantList params;
+                params.reserve(fields.size());
+                for (int f = 0; f < fields.size(); ++f) {
+                    const QString v = row.value(f);
+                    params << (v.isEmpty() ? QStringLiteral("-") : v);
+                }
+                return params;
+            });
+            if (!s)
+                return failed(s);
+        }
+        if (Status s = conn->commit(); !s)
+            return failed(s);
+        next = end;
+        if (progress && !progress(int(next), total))
+            return Error{reporttext::kCancelled};
+        if (next >= rows.size())
+            return {};
+        if (Status s = conn->begin(); !s)
+            return failed(s);
+    }
 }
 
-Status prepareTableReport(const AtlasHome &home, DbfFolder &folder, const QString &table,
-                          const QList<ReportColumn> &columns, const QString &filter)
+Status prepareTableReport(const AtlasHome &home, const QList<ReportColumn> &columns,
+                          const std::vector<QStringList> &rows, const ReportProgress &progress)
 {
     QStringList fields;
     for (const ReportColumn &c : columns)
         fields << c.field;
-    auto rows = readReportRows(folder, table, fields, filter);
-    if (!rows)
-        return rows.error();
-    if (Status s = fillTempRpt(ReferenceDb(home), fields, *rows); !s)
+    if (Status s = fillTempRpt(ReferenceDb(home), fields, rows, progress); !s)
         return s;
     return writeReportDefinition(home, columns);
 }

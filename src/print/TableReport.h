@@ -9,11 +9,11 @@
 #include "platform/Sqlite.h"
 
 #include <QStringList>
+#include <functional>
 
 namespace mervola
 {
 
-class DbfFolder;
 class ReferenceDb;
 
 namespace reporttext
@@ -28,6 +28,7 @@ inline const QString kNoPrinter =
     QStringLiteral("Non è installata alcuna stampante. Impossibile visualizzare il preview di stampa");
 inline const QString kWriteFailed = QStringLiteral("Impossibile scrivere la definizione della stampa: %1");
 inline const QString kNoDefinition = QStringLiteral("Definizione della stampa non trovata: %1");
+inline const QString kCancelled = QStringLiteral("Stampa annullata.");
 // page number + " di " + page count
 QString pageIndicator(int page, int pageCount);
 } // namespace reporttext
@@ -62,22 +63,19 @@ Status writeReportDefinition(const AtlasHome &home, const QList<ReportColumn> &c
 // replaced, deletes TempRpt.vrd and gives the new file its name.
 Status setReportOrientation(const AtlasHome &home, ReportOrientation orientation);
 
-// The rows to print read from an attribute table: "Select " + fields +
-// " from [" + table + "]" (+ " Where " + filter), every value as text.
-Result<RowSet> readReportRows(DbfFolder &folder, const QString &table, const QStringList &fields,
-                              const QString &filter = {});
+// Called with the work done so far and the whole; returns false to stop.
+using ReportProgress = std::function<bool(int done, int total)>;
 
-// The statement that inserts one row: values quoted, a null as '-'.
-QString tempRptInsertStatement(const QStringList &fields, const std::vector<QVariant> &row);
+// Recreates TempRpt with one text column per field and inserts the rows,
+// in their order. When the reference database cannot be changed the error
+// is reporttext::kCloseReferenceDb; a stop asked by `progress` is
+// reporttext::kCancelled.
+Status fillTempRpt(const ReferenceDb &db, const QStringList &fields, const std::vector<QStringList> &rows,
+                   const ReportProgress &progress = {});
 
-// Recreates TempRpt with one text column per field and inserts the rows.
-// When the reference database cannot be changed the error is
-// reporttext::kCloseReferenceDb.
-Status fillTempRpt(const ReferenceDb &db, const QStringList &fields, const RowSet &rows);
-
-// The whole print preparation of an attribute table: rows into TempRpt,
-// then the definition.
-Status prepareTableReport(const AtlasHome &home, DbfFolder &folder, const QString &table,
-                          const QList<ReportColumn> &columns, const QString &filter = {});
+// The whole print preparation of the attribute window's rows (as shown,
+// in its order): rows into TempRpt, then the definition.
+Status prepareTableReport(const AtlasHome &home, const QList<ReportColumn> &columns,
+                          const std::vector<QStringList> &rows, const ReportProgress &progress = {});
 
 } // namespace mervola

@@ -86,7 +86,7 @@ private slots:
         QCOMPARE(rec.entries().size(), messages);
         if (messages) {
             QCOMPARE(rec.entries()[0].style, 16);
-            QCOMPARE(rec.entries()[0].text, QStringLiteral("Impossibile reperire informazioni su tabella:STRUTTURE in t_rec!!!"));
+            QCOMPARE(rec.entries()[0].text, QStringLiteral("Impossibile reperire informazioni su tabella: STRUTTURE in t_rec!!!"));
         } else {
             QCOMPARE(state.structure.rows[1].alias, QStringLiteral("Superficie"));
             QCOMPARE(state.structure.rows[0].fieldjoin, QStringLiteral("-1"));

@@ -119,8 +119,6 @@ private slots:
         QVERIFY(t.ok());
         QCOMPARE(runTableQuery(*t, QStringLiteral("[I010] = 5")), QueryOutcome::Found);
         QVERIFY(t->sortBy(1, SortOrder::Descending).ok());
-        QCOMPARE(t->exportStatement(QStringLiteral("uscita")),
-                 QStringLiteral("SELECT PROG_MONT,Label,I010 INTO uscita FROM cmont_01  WHERE [I010] = 5"));
         QTemporaryDir out;
         const QString path = out.path() + QStringLiteral("/uscita.dbf");
         QVERIFY(QFile(path).open(QIODevice::WriteOnly));  // an existing file is replaced
@@ -135,14 +133,19 @@ private slots:
         QVERIFY(!t->exportTo(dir.path() + QStringLiteral("/cmont_01.dbf")).ok());
     }
 
-    void onMapConditionUsesTheKeyAndDoublesApostrophes()
+    void onMapConditionUsesTheUniqueCode()
     {
         QTemporaryDir dir;
+        // The communities are keyed by PROG_MONT, whatever their names.
         auto t = AttributeTable::open(makeTable(dir), QStringLiteral("cmont_01"));
         QVERIFY(t.ok());
-        QCOMPARE(t->onMapCondition({0, 3}), QStringLiteral("Label = 'Bormio' and Label = 'Val d''Ossola'"));
+        QCOMPARE(t->onMapCondition({0, 3}), QStringLiteral("PROG_MONT = '1' and PROG_MONT = '4'"));
         QCOMPARE(t->onMapCondition({}), QString());
-        QCOMPARE(t->keyValues({3}), QStringList{QStringLiteral("Val d'Ossola")});
+        QCOMPARE(t->keyValues({3}), QStringList{QStringLiteral("4")});
+        // A table without a code falls back to Label, apostrophes doubled.
+        auto other = AttributeTable::open(makeTable(dir, QStringLiteral("zone")), QStringLiteral("zone"));
+        QVERIFY(other.ok());
+        QCOMPARE(other->onMapCondition({3}), QStringLiteral("Label = 'Val d''Ossola'"));
     }
 
     void captionsAndCategoryColumns()
@@ -164,12 +167,12 @@ private slots:
         QVERIFY(!t->column(2).visible);                                 // DUMMY
         t->setUpColumns(catalog, QStringLiteral("01"));
         QVERIFY(t->column(1).visible);
-        QVERIFY(!t->column(3).visible);
-        QVERIFY(!t->column(0).visible);
+        QVERIFY(!t->column(3).visible);  // an indicator of another category
+        QVERIFY(t->column(0).visible);   // base information, though no structure row names it
         t->setUpColumns(catalog, QStringLiteral("02"));
         QVERIFY(t->column(3).visible);
         QVERIFY(!t->column(2).visible);
-        QCOMPARE(t->state(3, {1}, QStringLiteral("Tabella x")).visibleFields, (QStringList{"Label", "I010"}));
+        QCOMPARE(t->state(3, {1}, QStringLiteral("Tabella x")).visibleFields, (QStringList{"PROG_MONT", "Label", "I010"}));
     }
 };
 

@@ -5,6 +5,7 @@
 #include "app/ui/SplashWindow.h"
 #include "platform/InstanceLock.h"
 #include "platform/Messages.h"
+#include "platform/ui/ScreenFit.h"
 
 #include <QApplication>
 
@@ -58,7 +59,7 @@ void AppStart::showMainWhenReady()
     QApplication::restoreOverrideCursor();
     m_window->setEnabled(true);
     m_state.splash = false;
-    m_window->resize(1280, 860);
+    resizeWithinScreen(m_window.get(), QSize(1280, 860));
     m_window->show();
     m_splash->close();
     emit mainWindowShown();

@@ -38,7 +38,8 @@ FrmLabelProperties::FrmLabelProperties(const LabelDialogInput &input, QWidget *p
     : QDialog(parent), m_families(input.fontFamilies)
 {
     setObjectName(QStringLiteral("frmLabelProperties"));
-    setWindowTitle(LabelWindowText::kCaption + QStringLiteral(" - ") + input.themeName);
+    setWindowTitle(LabelWindowText::kCaption + QStringLiteral(" - ") +
+                   (input.title.isEmpty() ? input.themeName : input.title));
     setModal(true);
 
     m_field = new QComboBox(this);
@@ -153,7 +154,7 @@ LabelDialogInput labelDialogInput(const map::MapLayer &layer, const StructureTab
 }
 
 bool runLabelCommand(QWidget *parent, map::MapModel &model, const AtlasHome &home, const AppState &state,
-                     const QString &themeName)
+                     const QString &themeName, const QString &shownName)
 {
     map::MapLayer *layer = model.find(themeName);
     if (!layer)
@@ -162,7 +163,9 @@ bool runLabelCommand(QWidget *parent, map::MapModel &model, const AtlasHome &hom
     const FieldDescriber describe = [&](const QString &field) {
         return indicators.fieldToDescription(field, QStringLiteral("00"));
     };
-    FrmLabelProperties dialog(labelDialogInput(*layer, state.structure, describe), parent);
+    LabelDialogInput input = labelDialogInput(*layer, state.structure, describe);
+    input.title = shownName;
+    FrmLabelProperties dialog(input, parent);
     const QString name = settingsNameOfLayer(layer->name);
     LabelTarget target;
     target.themeName = name;

@@ -29,6 +29,7 @@ inline const QString kColor = QStringLiteral("Colore...");
 
 struct LabelDialogInput {
     QString themeName;
+    QString title;  // the theme as the legend names it; themeName when empty
     QList<LabelFieldEntry> entries;
     LabelForm form;
     // The families offered by the font button; empty: the installed ones.
@@ -73,7 +74,8 @@ LabelDialogInput labelDialogInput(const map::MapLayer &layer, const StructureTab
 // applies the labels to the layer and writes them to supporto/<theme>.ini.
 // Returns true when labels were applied (the caller then redraws the map and
 // enables `nolabel`). A theme with no layer on the map does nothing.
+// `shownName` is the theme's name in the legend, which titles the window.
 bool runLabelCommand(QWidget *parent, map::MapModel &model, const AtlasHome &home, const AppState &state,
-                     const QString &themeName);
+                     const QString &themeName, const QString &shownName = {});
 
 }  // namespace mervola

@@ -19,7 +19,10 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QFrame>
+#include <QMenu>
 #include <QMenuBar>
+#include <QVBoxLayout>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
@@ -54,7 +57,10 @@ MainWindow::MainWindow(AtlasHome home, AppState &state, QWidget *parent)
     buildCentre();
     buildCoolBar();
     m_mapTip = installMapTips(m_map, m_tipTimer);
-    connect(m_regions, &QComboBox::activated, this, &MainWindow::chooseRegion);
+    connect(m_regions, &QComboBox::activated, this, [this](int index) {
+        if (!m_regionStepping)
+            chooseRegion(index);
+    });
 
     m_coord = new QLabel(this);
     m_coord->setObjectName(QStringLiteral("coord"));
@@ -93,6 +99,8 @@ void MainWindow::buildMenus()
             }
             QAction *a = m->addAction(item.caption);
             a->setObjectName(item.name);
+            if (item.name == QLatin1String("mnuGuida"))
+                a->setShortcut(QKeySequence(Qt::Key_F1));
             m_actions.insert(item.name, a);
             const QString name = item.name, key = item.key;
             connect(a, &QAction::triggered, this, [this, name, key] {
@@ -152,6 +160,8 @@ void MainWindow::buildCoolBar()
     m_regions->setObjectName(QStringLiteral("cboRegioni"));
     m_regions->setMinimumContentsLength(22);
     lblRegioni->setBuddy(m_regions);
+    m_regions->setAccessibleName(QStringLiteral("Visualizza"));
+    m_regions->installEventFilter(this);
     rl->addWidget(lblRegioni);
     rl->addWidget(m_regions);
 
@@ -167,16 +177,39 @@ void MainWindow::buildCoolBar()
     m_scale->setFixedWidth(110);
     m_scale->setAlignment(Qt::AlignRight);
     lblScala->setBuddy(m_scale);
+    m_scale->setAccessibleName(QStringLiteral("Scala 1:"));
     connect(m_scale, &QLineEdit::returnPressed, this, &MainWindow::applyTypedScale);
     sl->addWidget(lblScala);
     sl->addWidget(m_scale);
 
-    auto *spacer = new QWidget(this);
+    // The region and scale boxes are a band of their own, beside the
+    // buttons on a wide window and below them on a narrow one.
+    m_viewBar = new QToolBar(this);
+    m_viewBar->setObjectName(QStringLiteral("colRegioniScala"));
+    m_viewBar->setMovable(false);
+    auto *spacer = new QWidget(m_viewBar);
     spacer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    m_toolbar->addWidget(fraRegioni);
-    m_toolbar->addWidget(spacer);
-    m_toolbar->addWidget(fraScala);
+    m_viewBar->addWidget(fraRegioni);
+    m_viewBar->addWidget(spacer);
+    m_viewBar->addWidget(fraScala);
     addToolBar(Qt::TopToolBarArea, m_toolbar);
+    addToolBar(Qt::TopToolBarArea, m_viewBar);
+
+    // The map tools in the menu too, so that they work without a mouse.
+    if (QMenu *view = menuBar()->findChild<QMenu *>(QStringLiteral("mnuVisualizza"))) {
+        view->addSeparator()->setObjectName(QStringLiteral("mnuBarStrumenti"));
+        const std::pair<const char *, const char *> tools[] = {
+            {"zoomin", "Zoom in p&roporzionale"}, {"zoomout", "Zoom o&ut proporzionale"}, {"info", "I&nformazioni"}};
+        for (const auto &[key, caption] : tools) {
+            QAction *a = action(QLatin1String(key));
+            a->setText(QString::fromUtf8(caption));
+            view->addAction(a);
+        }
+    }
+    // Tab goes legend, map, region box, scale box.
+    setTabOrder(m_legend, m_map);
+    setTabOrder(m_map, m_regions);
+    setTabOrder(m_regions, m_scale);
 }
 
 void MainWindow::buildCentre()
@@ -192,19 +225,30 @@ void MainWindow::buildCentre()
     m_divider->setFixedWidth(6);
     m_divider->setCursor(Qt::SplitHCursor);
     m_divider->installEventFilter(this);
-    m_map = new MapWidget(centre);
+    // The map sits in a thin frame that shows the keyboard focus.
+    m_mapFrame = new QFrame(centre);
+    m_mapFrame->setObjectName(QStringLiteral("fraMappa"));
+    auto *frameLayout = new QVBoxLayout(m_mapFrame);
+    frameLayout->setContentsMargins(2, 2, 2, 2);
+    m_map = new MapWidget(m_mapFrame);
     m_map->setObjectName(QStringLiteral("MapMain"));
+    m_map->setAccessibleName(QStringLiteral("Mappa"));
+    m_map->setAccessibleDescription(
+        QStringLiteral("Frecce: sposta la mappa; + e -: zoom; Invio: usa lo strumento scelto al centro della mappa"));
     m_map->setFocusPolicy(Qt::StrongFocus);
     m_map->installEventFilter(this);
+    frameLayout->addWidget(m_map);
+    m_legend->setAccessibleName(QStringLiteral("Legenda"));
+    m_legend->setStyleSheet(focusMarkStyle(QStringLiteral("QTreeView")));
+    showMapFocus(false);
     h->addWidget(m_legend);
     h->addWidget(m_divider);
-    h->addWidget(m_map, 1);
+    h->addWidget(m_mapFrame, 1);
     setCentralWidget(centre);
     setDividerTwips(kMinDividerTwips);
 
     connect(m_map, &MapWidget::mouseMoved, this, [this](double x, double y) {
-        m_coord->setText(QStringLiteral("X:") + QString::number(x, 'f', 2) + QStringLiteral("   Y:")
-                         + QString::number(y, 'f', 2));
+        m_coord->setText(coordinateText(x, y));
         if (m_mapTip && action(QStringLiteral("tooltip"))->isChecked())
             m_mapTip->MouseMove();
     });
@@ -248,6 +292,10 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event)
     } else if (watched == m_map && event->type() == QEvent::KeyPress) {
         if (handleMapKey(static_cast<QKeyEvent *>(event)->key()))
             return true;
+    } else if (watched == m_map && (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)) {
+        showMapFocus(event->type() == QEvent::FocusIn);
+    } else if (watched == m_regions && event->type() == QEvent::KeyPress) {
+        return regionBoxKey(static_cast<QKeyEvent *>(event));
     } else if (watched == m_map && event->type() == QEvent::Paint && !m_painted) {
         m_painted = true;
         QTimer::singleShot(0, this, &MainWindow::firstMapPainted);
@@ -258,8 +306,20 @@ bool MainWindow::eventFilter(QObject *watched, QEvent *event)
 void MainWindow::resizeEvent(QResizeEvent *event)
 {
     QMainWindow::resizeEvent(event);
-    if (!isMinimized())
-        startScaleTimer();
+    if (isMinimized())
+        return;
+    const bool narrow = width() < m_toolbar->sizeHint().width() + m_viewBar->sizeHint().width() + 16;
+    if (narrow != m_bandsBroken) {
+        m_bandsBroken = narrow;
+        if (narrow)
+            insertToolBarBreak(m_viewBar);
+        else
+            removeToolBarBreak(m_viewBar);
+    }
+    startScaleTimer();
+    // A window manager may settle the size in several steps: the scale is
+    // checked once more a second after the last one.
+    m_resizeTimer->start();
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)
@@ -283,6 +343,56 @@ void MainWindow::updateScaleBox()
     const double scale = currentScale(m_map->extent().width(), widthTwips);
     m_scale->setText(groupDigits(qint64(scale)));
     m_lastValidScale = parseScale(m_scale->text());
+}
+
+QString MainWindow::coordinateText(double x, double y)
+{
+    // The default formatting of a number: up to fifteen significant
+    // digits, the decimal comma, no grouping.
+    QLocale italian(QLocale::Italian, QLocale::Italy);
+    italian.setNumberOptions(QLocale::OmitGroupSeparator);
+    return QStringLiteral("X:") + italian.toString(x, 'g', 15) + QStringLiteral("   Y:") + italian.toString(y, 'g', 15);
+}
+
+QString MainWindow::focusMarkStyle(const QString &widgetClass)
+{
+    return widgetClass + QStringLiteral(" { border: 2px solid transparent; } ") + widgetClass +
+           QStringLiteral(":focus { border: 2px solid palette(highlight); }");
+}
+
+void MainWindow::showMapFocus(bool on)
+{
+    m_mapFrame->setProperty("focusMark", on);
+    m_mapFrame->setStyleSheet(on ? QStringLiteral("#fraMappa { border: 2px solid palette(highlight); }")
+                                 : QStringLiteral("#fraMappa { border: 2px solid transparent; }"));
+}
+
+// Arrows only move through the region box; Enter, or a choice made in the
+// open list, loads the region.
+bool MainWindow::regionBoxKey(QKeyEvent *event)
+{
+    switch (event->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+    case Qt::Key_Home:
+    case Qt::Key_End: {
+        if (event->modifiers() & Qt::AltModifier)
+            return false;  // Alt+Down opens the list
+        m_regionStepping = true;
+        static_cast<QObject *>(m_regions)->event(event);
+        m_regionStepping = false;
+        return true;
+    }
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (m_regions->currentIndex() != m_loadedRegion)
+            chooseRegion(m_regions->currentIndex());
+        return true;
+    default:
+        return false;
+    }
 }
 
 }  // namespace mervola

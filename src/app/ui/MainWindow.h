@@ -12,6 +12,8 @@
 
 class QAction;
 class QComboBox;
+class QFrame;
+class QKeyEvent;
 class QLabel;
 class QLineEdit;
 class QTimer;
@@ -44,6 +46,8 @@ public:
     LegendView *legend() const { return m_legend; }
     Stack &history() { return m_state.extentHistory; }
     QString scaleText() const;
+    // The status bar's cursor position: "X:" x "   Y:" y, decimal comma.
+    static QString coordinateText(double x, double y);
     void refreshLegend();
 
     // Selects the features of a layer matching any of the expressions
@@ -67,6 +71,9 @@ protected:
 
 private:
     void buildMenus();
+    static QString focusMarkStyle(const QString &widgetClass);
+    void showMapFocus(bool on);
+    bool regionBoxKey(QKeyEvent *event);
     void buildCoolBar();
     void buildCentre();
     void connectMapTools();
@@ -85,6 +92,7 @@ private:
     void zoomAt(QPointF anchor, double factor);
     // +, -, arrows on the map; true when the key was a navigation key.
     bool handleMapKey(int key);
+    bool useToolAtCentre();
     void panBy(double dx, double dy);
     void applyTypedScale();
     void selectTool(const QString &key, bool checked);
@@ -122,10 +130,15 @@ private:
     MapWidget *m_map = nullptr;
     LegendView *m_legend = nullptr;
     QWidget *m_divider = nullptr;
+    QFrame *m_mapFrame = nullptr;
+    int m_loadedRegion = 0;        // the region on the map (index in the box)
+    bool m_regionStepping = false; // an arrow key is moving through the box
     QComboBox *m_regions = nullptr;
     QLineEdit *m_scale = nullptr;
     QLabel *m_coord = nullptr;
     QToolBar *m_toolbar = nullptr;
+    QToolBar *m_viewBar = nullptr;  // region and scale boxes
+    bool m_bandsBroken = false;     // the boxes sit below the buttons
     QTimer *m_scaleTimer = nullptr;
     QTimer *m_resizeTimer = nullptr;
     QTimer *m_tipTimer = nullptr;

@@ -7,6 +7,7 @@
 #include "app/ui/HelpWindow.h"
 #include "app/ui/SplashWindow.h"
 #include "platform/Messages.h"
+#include "platform/ui/LastFolder.h"
 #include "platform/ui/LegendView.h"
 #include "map/ui/MapWidget.h"
 #include "project/ProjectFile.h"
@@ -223,6 +224,24 @@ void MainWindow::panBy(double dx, double dy)
     moveView(r);
 }
 
+// Enter on the map does what a click at its centre does with the chosen
+// tool: with the arrows to bring an element there, the information and
+// zoom tools work without a mouse.
+bool MainWindow::useToolAtCentre()
+{
+    const QPointF centre = m_map->extent().center();
+    if (action(QStringLiteral("info"))->isChecked()) {
+        showElementInfo(centre);
+    } else if (action(QStringLiteral("zoomout"))->isChecked()) {
+        moveView(m_map->extent().scaled(1.5));
+    } else if (action(QStringLiteral("zoomin"))->isChecked()) {
+        zoomFixed(0.7);
+    } else {
+        return false;
+    }
+    return true;
+}
+
 bool MainWindow::handleMapKey(int key)
 {
     switch (key) {
@@ -235,6 +254,9 @@ bool MainWindow::handleMapKey(int key)
     case Qt::Key_Down: panBy(0, -0.25); return true;
     case Qt::Key_Home: dispatch(QStringLiteral("totale")); return true;
     case Qt::Key_Backspace: dispatch(QStringLiteral("zoomprec")); return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space: return useToolAtCentre();
     default: return false;
     }
 }
@@ -257,10 +279,12 @@ void MainWindow::applyTypedScale()
 
 bool MainWindow::saveProjectInteractive()
 {
-    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Salva progetto"), m_home.root(),
+    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Salva progetto"),
+                                                      lastUsedFolder(m_home.root()),
                                                       QStringLiteral("Progetto Mervola (*.rlx)"));
     if (path.isEmpty())
         return false;
+    rememberFolderOf(path);
     const Status st = m_projects->save(path, m_state.communityTable);
     if (!st) {
         if (st.errorMessage() != ProjectText::kBadExtension)
@@ -274,10 +298,12 @@ bool MainWindow::saveProjectInteractive()
 
 bool MainWindow::openProjectInteractive()
 {
-    const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("Apri progetto"), m_home.root(),
+    const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("Apri progetto"),
+                                                      lastUsedFolder(m_home.root()),
                                                       QStringLiteral("Progetto Mervola (*.rlx)"));
     if (path.isEmpty())
         return false;
+    rememberFolderOf(path);
     return openProject(path);
 }
 

@@ -40,15 +40,12 @@ public:
         m_w.activateWindow();
     }
     void openJoin(const QString &layerName) override { m_w.openJoinWizard(layerName); }
-    void printTable(const DbfWindowState &state) override
+    void printTable(QWidget *parent, const TablePrintout &out) override
     {
         QList<ReportColumn> columns;
-        for (int i = 0; i < state.visibleFields.size(); ++i)
-            columns.append({state.visibleFields[i], state.visibleCaptions.value(i, state.visibleFields[i])});
-        QString filter = state.filter.trimmed();
-        if (filter.startsWith(QLatin1String("WHERE "), Qt::CaseInsensitive))
-            filter = filter.mid(6);
-        openTableReport(&m_w, m_w.m_home, state.folder, state.table, columns, filter);
+        for (int i = 0; i < out.fields.size(); ++i)
+            columns.append({out.fields[i], out.captions.value(i, out.fields[i])});
+        openTableReport(parent, m_w.m_home, columns, out.rows, out.printerAvailable);
     }
     bool selectAndZoom(const QString &theme, const QString &expression) override
     {
@@ -127,7 +124,9 @@ void MainWindow::openQueryBuilder()
     for (const map::MapLayer &l : m_map->model().layers())
         if (l.data)
             themes.append({l.name, aliasOf(l.name), l.data->sourcePath});
-    openMapQuery(this, themes, dataHost(), m_legend->activeLayerName());
+    auto catalog = IndicatorCatalog::read(ReferenceDb(m_home), m_state.structure);
+    openMapQuery(this, themes, dataHost(), catalog ? std::move(*catalog) : IndicatorCatalog{},
+                 m_legend->activeLayerName());
 }
 
 void MainWindow::openJoinWizard(const QString &layerName)

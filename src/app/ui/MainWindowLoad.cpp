@@ -92,6 +92,7 @@ void MainWindow::fillRegionBox()
     for (const RegionEntry &r : regionEntries())
         m_regions->addItem(r.text, r.code);
     m_regions->setCurrentIndex(0);
+    m_loadedRegion = 0;
 }
 
 QString MainWindow::aliasOf(const QString &layerName) const

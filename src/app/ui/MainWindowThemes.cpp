@@ -1,37 +1,40 @@
 // Theme commands of the main window: classification, legend editor, export
 // and printing of the map.
 #include "app/ExportFlow.h"
-#include "app/Scale.h"
 #include "app/RegionSwitch.h"
+#include "app/Scale.h"
 #include "app/Startup.h"
 #include "app/TemaLabel.h"
-#include "app/ui/FrmLabelProperties.h"
-#include "app/ui/ThemeClassification.h"
 #include "app/ThemeStyle.h"
+#include "app/ui/FrmLabelProperties.h"
 #include "app/ui/MainWindow.h"
+#include "app/ui/ThemeClassification.h"
 #include "classify/ColumnReader.h"
-#include "platform/Messages.h"
-#include "platform/ui/LegendView.h"
-#include "map/ui/MapWidget.h"
+#include "data/AttributeTableCatalog.h"
 #include "data/Search.h"
 #include "data/ui/FrmInfor.h"
 #include "data/ui/FrmSearch.h"
+#include "map/ui/MapWidget.h"
+#include "platform/Messages.h"
+#include "platform/ui/LastFolder.h"
+#include "platform/ui/LegendView.h"
 #include "print/MapPage.h"
-#include "project/Indicators.h"
-#include "project/ui/FrmInfoIndicatore.h"
 #include "print/ui/FrmStampaNew.h"
+#include "project/Indicators.h"
 #include "project/ProjectFile.h"
 #include "project/SettingsWriters.h"
+#include "project/ui/FrmInfoIndicatore.h"
 
+#include <QAction>
+#include <QComboBox>
 #include <QDate>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QAction>
-#include <QComboBox>
 #include <QMenu>
 #include <QStatusBar>
 
-namespace mervola {
+namespace mervola
+{
 
 QString MainWindow::themeIniPath(const QString &layerName) const
 {
@@ -84,9 +87,9 @@ void MainWindow::openClassification(const QString &layerName)
     classify::Classification current = savedClassification(settings).value_or(classify::Classification{});
     if (current.classes.empty() && current.field.isEmpty())
         current.field = settings.campo.field;
-    classify::ClassificationDialog dialog(aliasOf(layerName), fields,
-                                          [dbf](const QString &f) { return classify::readFieldColumn(dbf, f); },
-                                          current, this);
+    classify::ClassificationDialog dialog(
+        aliasOf(layerName), fields, [dbf](const QString &f) { return classify::readFieldColumn(dbf, f); }, current,
+        this);
     if (dialog.exec() != QDialog::Accepted)
         return;
     if (auto st = storeClassification(ini, section, dialog.classification()); !st) {
@@ -118,7 +121,8 @@ void MainWindow::showLegendMenu(const QString &layerName, const QPoint &globalPo
 {
     QMenu menu(this);
     menu.addAction(QStringLiteral("&Classificazione..."), this, [this, layerName] { openClassification(layerName); });
-    menu.addAction(QStringLiteral("&Editor della legenda..."), this, [this, layerName] { openLegendEditor(layerName); });
+    menu.addAction(QStringLiteral("&Editor della legenda..."), this,
+                   [this, layerName] { openLegendEditor(layerName); });
     const ThemeSettings settings = readThemeSettingsFile(themeIniPath(layerName), settingsNameOfLayer(layerName));
     const QString field = settings.campo.field;
     if (!field.isEmpty() && field != QLatin1String("0") && field != QLatin1String("I000"))
@@ -133,9 +137,11 @@ void MainWindow::exportMap()
 {
     const Status st = runExportCommand(m_map->model(), m_map->extent(), m_map->size(),
                                        [this](const QString &title, const QString &filter, QString *selected) {
-                                           return QFileDialog::getSaveFileName(this, title, m_home.root(), filter,
-                                                                               selected,
-                                                                               QFileDialog::DontConfirmOverwrite);
+                                           const QString path = QFileDialog::getSaveFileName(
+                                               this, title, lastUsedFolder(m_home.root()), filter, selected,
+                                               QFileDialog::DontConfirmOverwrite);
+                                           rememberFolderOf(path);
+                                           return path;
                                        });
     if (!st && !st.errorMessage().isEmpty())
         showMessage(MsgStyle::Critical, st.errorMessage());
@@ -150,8 +156,9 @@ void MainWindow::printMap()
     }
     MapPageContent pageContent;
     const QString caption = windowTitle();
-    pageContent.title = caption.startsWith(ProjectText::kCaptionPrefix) ? caption.mid(ProjectText::kCaptionPrefix.size())
-                                                                 : QStringLiteral("Mervola");
+    pageContent.title = caption.startsWith(ProjectText::kCaptionPrefix)
+                            ? caption.mid(ProjectText::kCaptionPrefix.size())
+                            : QStringLiteral("Mervola");
     pageContent.titleFont = m_state.labelFont;
     pageContent.dateText = QLocale(QLocale::Italian).toString(QDate::currentDate(), QStringLiteral("d MMMM yyyy"));
     pageContent.model = m_map->model();
@@ -166,7 +173,7 @@ void MainWindow::addLabels()
     const QString name = m_legend->activeLayerName();
     if (name.isEmpty())
         return;
-    if (runLabelCommand(this, m_map->model(), m_home, m_state, name)) {
+    if (runLabelCommand(this, m_map->model(), m_home, m_state, name, aliasOf(name))) {
         m_state.projectModified = true;
         m_map->refresh();
         updateCommandStates();
@@ -189,6 +196,7 @@ void MainWindow::removeLabels()
 
 void MainWindow::chooseRegion(int index)
 {
+    m_loadedRegion = index;
     const RegionEntry region{m_regions->itemText(index), m_regions->itemData(index).toString()};
     auto result = switchRegion(m_map->model(), m_home, region, m_state);
     if (!result) {
@@ -223,7 +231,8 @@ void MainWindow::showIndicator(const QString &field)
     const ReferenceDb db(m_home);
     const QList<Indicator> indicators = readIndicators(db);
     const Indicator *i = indicatorOf(indicators, field);
-    const Indicator found = i ? *i : Indicator{field.startsWith(QLatin1Char('_')) ? field.mid(1) : QString(), {}, {}, {}, {}};
+    const Indicator found =
+        i ? *i : Indicator{field.startsWith(QLatin1Char('_')) ? field.mid(1) : QString(), {}, {}, {}, {}};
     const QString &code = found.code, &category = found.category, &source = found.source, &unit = found.unit;
     QString description = found.description;
     if (description.isEmpty())
@@ -260,11 +269,17 @@ void MainWindow::searchElement()
 void MainWindow::showElementInfo(QPointF mapPoint)
 {
     const double tolerance = 3 * m_map->extent().width() / std::max(1, m_map->width());
-    const StructureTable &structure = m_state.structure;
+    const ReferenceDb db(m_home);
+    // The community and municipality layers name their fields by the
+    // indicators' descriptions; the other layers show the field names.
+    auto read = IndicatorCatalog::read(db, m_state.structure);
+    const IndicatorCatalog catalog = read ? std::move(*read) : IndicatorCatalog{};
     QList<FoundElement> found =
-        collectElements(m_map->model(), mapPoint, tolerance, [&structure](const QString &, const QString &field) {
-            const StructureRow *row = structure.findByLabel(field);
-            return row ? row->alias : QString();
+        collectElements(m_map->model(), mapPoint, tolerance, [&catalog](const QString &theme, const QString &field) {
+            if (!isCommunityLayer(theme) && !isMunicipalityLayer(theme))
+                return QString();
+            const QString d = catalog.description(field, kBaseCategoryCode);
+            return d == kNoMatch ? QString() : d;
         });
     if (found.isEmpty()) {
         statusBar()->showMessage(QStringLiteral("Nessun elemento nel punto indicato."), 3000);
@@ -272,7 +287,6 @@ void MainWindow::showElementInfo(QPointF mapPoint)
     }
     for (FoundElement &e : found)
         e.title = aliasOf(e.theme);
-    const ReferenceDb db(m_home);
     QStringList categories;
     if (auto rows = db.query(QStringLiteral("SELECT * FROM CATEGORIE ORDER BY [Codice Categoria]")))
         for (const auto &r : rows->rows)
@@ -282,4 +296,4 @@ void MainWindow::showElementInfo(QPointF mapPoint)
     m_map->refresh();
 }
 
-}  // namespace mervola
+} // namespace mervola

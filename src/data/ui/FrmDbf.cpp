@@ -1,25 +1,27 @@
 #include "data/ui/FrmDbf.h"
 
 #include "data/AttributeTableTexts.h"
+#include "data/ChartData.h"
+#include "data/Statistics.h"
 #include "data/ui/FrmGrafico.h"
+#include "data/ui/FrmGraficoPanel.h"
 #include "data/ui/FrmStatistiche.h"
 #include "data/ui/QueryDbf.h"
 #include "platform/Messages.h"
+#include "platform/ui/LastFolder.h"
+#include "platform/ui/ScreenFit.h"
 
 #include <QAction>
-#include <QButtonGroup>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QGroupBox>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QPointer>
 #include <QPrinterInfo>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QStatusBar>
 #include <QStyle>
 #include <QTableView>
@@ -38,7 +40,10 @@ void AttributeTableHost::openChart(QWidget *parent, const DbfWindowState &state,
 {
     openChartFor(parent, state, field, typeIndex, threeD);
 }
-void AttributeTableHost::printTable(const DbfWindowState &) { showMessage(MsgStyle::Information, texts::kNotAvailable); }
+void AttributeTableHost::printTable(QWidget *, const TablePrintout &)
+{
+    showMessage(MsgStyle::Information, texts::kNotAvailable);
+}
 void AttributeTableHost::openJoin(const QString &) { showMessage(MsgStyle::Information, texts::kNotAvailable); }
 
 namespace {
@@ -63,9 +68,6 @@ const ToolDef kTools[] = {
     {"exit", "Chiudi tabella", QStyle::SP_DialogCloseButton},
 };
 
-const QStringList kChartTypes = {QStringLiteral("Barre"), QStringLiteral("Linee"), QStringLiteral("Aree"),
-                                 QStringLiteral("Step"), QStringLiteral("Torta")};
-
 QString captionOf(const DbfWindowSource &source)
 {
     return texts::kCaptionPrefix + source.themeName + (source.joined ? texts::kJoinedSuffix : QString());
@@ -85,7 +87,6 @@ FrmDbf::FrmDbf(AttributeTableHost &host, DbfWindowSource source, QWidget *parent
     setObjectName(QStringLiteral("frmDbf"));
     setWindowTitle(captionOf(m_source));
     setSizeGripEnabled(true);
-    resize(900, 560);
 
     const QFileInfo shp(m_source.shapefilePath);
     auto opened = AttributeTable::open(shp.absolutePath(), shp.completeBaseName());
@@ -101,48 +102,29 @@ FrmDbf::FrmDbf(AttributeTableHost &host, DbfWindowSource source, QWidget *parent
     buildToolbar();
     m_categories = new QComboBox(this);
     m_categories->setObjectName(QStringLiteral("cboCategorieFormDbf"));
+    m_categories->setAccessibleName(QStringLiteral("Categoria di indicatori"));
     m_categories->addItem(kBaseCategoryName, kBaseCategoryCode);
     for (const auto &[code, name] : m_catalog.categories())
         m_categories->addItem(name, code);
-    m_categories->setMinimumWidth(260);
+    m_categories->setMinimumContentsLength(24);
     m_toolbar->addSeparator();
     m_toolbar->addWidget(m_categories);
+    // A category shows its columns over the whole table: the statement is
+    // loaded again without the query's filter.
     connect(m_categories, &QComboBox::activated, this, [this] {
+        if (!m_table)
+            return;
+        (void)m_table->showAll();
         setUpColumns();
         refreshStatus();
     });
-
-    m_grid = new QTableView(this);
-    m_grid->setObjectName(QStringLiteral("grdDbf"));
-    m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_grid->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_grid->setAlternatingRowColors(true);
-    m_grid->verticalHeader()->setDefaultSectionSize(m_grid->fontMetrics().height() + 6);
-    m_grid->horizontalHeader()->setHighlightSections(false);
-    if (m_table) {
-        m_model = new AttributeTableModel(m_table.get(), this);
-        m_grid->setModel(m_model);
-        // A header click picks the column for sorting and statistics; it does
-        // not select the column's cells.
-        disconnect(m_grid->horizontalHeader(), SIGNAL(sectionPressed(int)), m_grid, SLOT(selectColumn(int)));
-        connect(m_grid->horizontalHeader(), &QHeaderView::sectionClicked, this, &FrmDbf::columnClicked);
-        connect(m_grid->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-                [this](const QItemSelection &selected, const QItemSelection &deselected) {
-                    for (const QModelIndex &i : deselected.indexes())
-                        m_selectionOrder.removeAll(i.row());
-                    for (const QModelIndex &i : selected.indexes())
-                        if (!m_selectionOrder.contains(i.row()))
-                            m_selectionOrder.append(i.row());
-                    m_timer->start();
-                });
-    }
 
     m_timer = new QTimer(this);
     m_timer->setObjectName(QStringLiteral("tmrDbf"));
     m_timer->setSingleShot(true);
     m_timer->setInterval(100);
     connect(m_timer, &QTimer::timeout, this, &FrmDbf::updateSelectionCount);
+    buildGrid();
 
     auto *status = new QStatusBar(this);
     status->setObjectName(QStringLiteral("StatusBar1"));
@@ -154,13 +136,16 @@ FrmDbf::FrmDbf(AttributeTableHost &host, DbfWindowSource source, QWidget *parent
     status->addWidget(m_infoSel, 1);
     status->addWidget(m_infoOn, 1);
 
-    m_chartPanel = buildChartPanel();
+    m_chartPanel = new FrmGraficoPanel(this);
+    m_chartPanel->setMaximumWidth(280);
     m_chartPanel->hide();
+    connect(m_chartPanel, &FrmGraficoPanel::chartRequested, this, &FrmDbf::showChart);
     auto *centre = new QHBoxLayout;
     centre->addWidget(m_grid, 1);
     centre->addWidget(m_chartPanel);
     auto *close = new QPushButton(QStringLiteral("&Chiudi"), this);
     close->setObjectName(QStringLiteral("cmdChiudi"));
+    close->setAutoDefault(false);
     connect(close, &QPushButton::clicked, this, &QDialog::close);
     auto *bottom = new QHBoxLayout;
     bottom->addWidget(status, 1);
@@ -171,10 +156,15 @@ FrmDbf::FrmDbf(AttributeTableHost &host, DbfWindowSource source, QWidget *parent
     layout->addWidget(m_toolbar);
     layout->addLayout(centre, 1);
     layout->addLayout(bottom);
+    setTabOrder(m_categories, m_grid);
+    setTabOrder(m_grid, close);
 
     chooseExportFile = [this] {
-        return QFileDialog::getSaveFileName(this, texts::kExportTitle, QString(), texts::kExportFilter, nullptr,
-                                            QFileDialog::DontConfirmOverwrite);
+        const QString path =
+            QFileDialog::getSaveFileName(this, texts::kExportTitle, lastUsedFolder(), texts::kExportFilter, nullptr,
+                                         QFileDialog::DontConfirmOverwrite);
+        rememberFolderOf(path);
+        return path;
     };
     openQuery = [](FrmDbf &window) {
         QueryDbf query(window, &window);
@@ -183,11 +173,10 @@ FrmDbf::FrmDbf(AttributeTableHost &host, DbfWindowSource source, QWidget *parent
 
     if (m_table) {
         setUpColumns();
-        m_grid->resizeColumnsToContents();
-        for (int c = 0; c < m_table->columnCount(); ++c)
-            m_grid->setColumnWidth(c, std::min(m_grid->columnWidth(c), 260));
+        fitColumnWidths();
         refreshStatus();
     }
+    resizeWithinScreen(this, QSize(900, 560));
 }
 
 FrmDbf::~FrmDbf() = default;
@@ -209,60 +198,52 @@ void FrmDbf::buildToolbar()
         m_actions.value(QString::fromLatin1(key))->setEnabled(false);
 }
 
-QWidget *FrmDbf::buildChartPanel()
+void FrmDbf::buildGrid()
 {
-    auto *frame = new QGroupBox(this);
-    frame->setObjectName(QStringLiteral("Frame1"));
-    frame->setMaximumWidth(280);
-    auto *v = new QVBoxLayout(frame);
-    for (const char *help : {"Selezionare gli elementi dalla griglia", "Tenere premuto il tasto CTRL per selezionare più righe",
-                             "Scegliere al massimo 10 elementi dalla griglia e un'indicatore per ottenere un grafico."}) {
-        auto *l = new QLabel(QString::fromUtf8(help), frame);
-        l->setWordWrap(true);
-        v->addWidget(l);
-    }
-    m_dimension = new QButtonGroup(frame);
-    const char *dims[] = {"Grafico tridimensionale", "Grafico bidimensionale"};
-    for (int i = 0; i < 2; ++i) {
-        auto *opt = new QRadioButton(QString::fromUtf8(dims[i]), frame);
-        opt->setObjectName(QStringLiteral("optDimen_%1").arg(i));
-        m_dimension->addButton(opt, i);
-        v->addWidget(opt);
-    }
-    m_dimension->button(1)->setChecked(true);
-    connect(m_dimension, &QButtonGroup::idClicked, this, &FrmDbf::fillChartTypes);
-    m_chartType = new QComboBox(frame);
-    m_chartType->setObjectName(QStringLiteral("cboTipo"));
-    v->addWidget(m_chartType);
-    fillChartTypes();
-    auto *numHelp = new QLabel(QStringLiteral("Selezionare un'indicatore in base al quale si desidera avere il grafico"), frame);
-    numHelp->setWordWrap(true);
-    v->addWidget(numHelp);
-    m_numeric = new QComboBox(frame);
-    m_numeric->setObjectName(QStringLiteral("cbonumeric"));
-    v->addWidget(m_numeric);
-    auto *count = new QLabel(QStringLiteral("Numero di elementi selezionati"), frame);
-    count->setObjectName(QStringLiteral("lblCountSel"));
-    m_countSel = new QLabel(QStringLiteral("0"), frame);
-    m_countSel->setObjectName(QStringLiteral("txtCountSel"));
-    auto *countRow = new QHBoxLayout;
-    countRow->addWidget(count, 1);
-    countRow->addWidget(m_countSel);
-    v->addLayout(countRow);
-    auto *show = new QPushButton(QStringLiteral("&Mostra grafico"), frame);
-    show->setObjectName(QStringLiteral("cmdGrafico"));
-    connect(show, &QPushButton::clicked, this, &FrmDbf::showChart);
-    v->addWidget(show);
-    v->addStretch(1);
-    return frame;
+    m_grid = new QTableView(this);
+    m_grid->setObjectName(QStringLiteral("grdDbf"));
+    m_grid->setAccessibleName(QStringLiteral("Tabella degli attributi"));
+    m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_grid->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_grid->setAlternatingRowColors(true);
+    m_grid->setTabKeyNavigation(false);  // Tab leaves the grid for the next control
+    m_grid->verticalHeader()->setDefaultSectionSize(m_grid->fontMetrics().height() + 6);
+    m_grid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    m_grid->horizontalHeader()->setHighlightSections(false);
+    if (!m_table)
+        return;
+    m_model = new AttributeTableModel(m_table.get(), this);
+    m_grid->setModel(m_model);
+    // A header click picks the column for sorting and statistics; it does
+    // not select the column's cells.
+    disconnect(m_grid->horizontalHeader(), SIGNAL(sectionPressed(int)), m_grid, SLOT(selectColumn(int)));
+    connect(m_grid->horizontalHeader(), &QHeaderView::sectionClicked, this, &FrmDbf::columnClicked);
+    connect(m_grid->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this](const QItemSelection &selected, const QItemSelection &deselected) {
+                for (const QModelIndex &i : deselected.indexes())
+                    m_selectionOrder.removeAll(i.row());
+                for (const QModelIndex &i : selected.indexes())
+                    if (!m_selectionOrder.contains(i.row()))
+                        m_selectionOrder.append(i.row());
+                m_timer->start();
+            });
 }
 
-void FrmDbf::fillChartTypes()
+// Column widths from the caption and a sample of the values (the widest of
+// the first rows): measuring every cell of a large table would cost more
+// than opening it.
+void FrmDbf::fitColumnWidths()
 {
-    const bool threeD = m_dimension->checkedId() == 0;
-    m_chartType->clear();
-    m_chartType->addItems(threeD ? kChartTypes.mid(0, 4) : kChartTypes);
-    m_chartType->setCurrentIndex(0);
+    const QFontMetrics cell = m_grid->fontMetrics();
+    const QFontMetrics head = m_grid->horizontalHeader()->fontMetrics();
+    const int sample = std::min(m_table->shownCount(), 200);
+    for (int c = 0; c < m_table->columnCount(); ++c) {
+        int w = head.horizontalAdvance(m_table->column(c).caption) + 16;
+        for (int r = 0; r < sample; ++r)
+            w = std::max(w, cell.horizontalAdvance(AttributeTableModel::displayText(m_table->value(r, c))) + 12);
+        m_grid->setColumnWidth(c, std::min(w, 260));
+    }
 }
 
 QString FrmDbf::categoryCode() const { return m_categories->currentData().toString(); }
@@ -281,13 +262,16 @@ void FrmDbf::setUpColumns()
         if (widths[c] > 0)
             m_grid->setColumnWidth(c, widths[c]);
     }
+    // The reload drops the grid's selection: the count says so at once.
     m_selectionOrder.clear();
-    const QString current = m_numeric->currentData().toString();
-    m_numeric->clear();
+    updateSelectionCount();
+    QStringList fields, captions;
     for (int c = 0; c < m_table->columnCount(); ++c)
-        if (m_table->column(c).visible && m_table->isNumeric(c))
-            m_numeric->addItem(m_table->column(c).caption, m_table->column(c).field.name);
-    m_numeric->setCurrentIndex(current.isEmpty() ? -1 : m_numeric->findData(current));
+        if (m_table->column(c).visible && m_table->isNumeric(c)) {
+            fields << m_table->column(c).field.name;
+            captions << m_table->column(c).caption;
+        }
+    m_chartPanel->setIndicators(fields, captions);
 }
 
 void FrmDbf::refreshStatus()
@@ -296,7 +280,11 @@ void FrmDbf::refreshStatus()
         m_infoSel->setText(m_table->statusText());
 }
 
-void FrmDbf::updateSelectionCount() { m_countSel->setText(QString::number(selectedRows().size())); }
+void FrmDbf::updateSelectionCount()
+{
+    m_timer->stop();
+    m_chartPanel->setSelectedCount(int(selectedRows().size()));
+}
 
 QList<int> FrmDbf::selectedRows() const { return m_selectionOrder; }
 
@@ -388,12 +376,12 @@ void FrmDbf::queryApplied(bool found)
 
 void FrmDbf::statistics()
 {
-    if (m_table->shownCount() < 2) {
-        showMessage(MsgStyle::Information, texts::kTooFewRecords);
-        return;
-    }
-    if (!m_table->hasNumericColumn()) {
-        showMessage(MsgStyle::Information, texts::kNoStatistics + QLatin1Char('\n') + texts::kNoNumericData);
+    QList<DbfField> fields;
+    for (int c = 0; c < m_table->columnCount(); ++c)
+        if (m_table->column(c).visible)
+            fields << m_table->column(c).field;
+    if (auto s = checkStatisticsAllowed(m_table->shownCount(), fields); !s) {
+        showMessage(MsgStyle::Information, s.errorMessage());
         return;
     }
     m_host.openStatistics(this, windowState());
@@ -401,11 +389,27 @@ void FrmDbf::statistics()
 
 void FrmDbf::print()
 {
-    if (QPrinterInfo::availablePrinters().isEmpty()) {
+    TablePrintout out;
+    // Without a printer the preview still opens, to save the report as PDF.
+    out.printerAvailable = !QPrinterInfo::availablePrinters().isEmpty();
+    if (!out.printerAvailable)
         showMessage(MsgStyle::Information, texts::kNoPrinter);
-        return;
+    std::vector<int> columns;
+    for (int c = 0; c < m_table->columnCount(); ++c)
+        if (m_table->column(c).visible) {
+            columns.push_back(c);
+            out.fields << m_table->column(c).field.name;
+            out.captions << m_table->column(c).caption;
+        }
+    out.rows.reserve(size_t(m_table->shownCount()));
+    for (int r = 0; r < m_table->shownCount(); ++r) {
+        QStringList row;
+        row.reserve(qsizetype(columns.size()));
+        for (int c : columns)
+            row << AttributeTableModel::displayText(m_table->value(r, c));
+        out.rows.push_back(std::move(row));
     }
-    m_host.printTable(windowState());
+    m_host.printTable(this, out);
 }
 
 void FrmDbf::exportTable()
@@ -431,28 +435,18 @@ void FrmDbf::showOnMap()
         showMessage(MsgStyle::Information, texts::kNothingOnMap);
         return;
     }
-    const int label = m_table->fieldIndex(QStringLiteral("Label"));
-    const QString keyField = m_table->column(label >= 0 ? label : 2).field.name;
+    const QString keyField = m_table->column(m_table->keyColumn()).field.name;
     m_host.showOnMap(m_source.layerName, condition, keyField, m_table->keyValues(rows));
 }
 
 void FrmDbf::showChart()
 {
-    const int count = int(selectedRows().size());
-    if (m_numeric->currentIndex() < 0) {
-        showMessage(MsgStyle::Information, texts::kNoIndicator);
+    const QString field = m_chartPanel->indicatorField();
+    if (auto s = checkChartRequest(!field.isEmpty(), int(selectedRows().size())); !s) {
+        showMessage(MsgStyle::Information, s.errorMessage());
         return;
     }
-    if (count > 10) {
-        showMessage(MsgStyle::Information, texts::kMaxTen);
-        return;
-    }
-    if (count < 1) {
-        showMessage(MsgStyle::Information, texts::kNoneSelected);
-        return;
-    }
-    m_host.openChart(this, windowState(), m_numeric->currentData().toString(), m_chartType->currentIndex(),
-                     m_dimension->checkedId() == 0);
+    m_host.openChart(this, windowState(), field, m_chartPanel->typeIndex(), m_chartPanel->isThreeD());
 }
 
 void FrmDbf::closeEvent(QCloseEvent *event)

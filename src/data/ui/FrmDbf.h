@@ -13,7 +13,6 @@
 #include <memory>
 
 class QAction;
-class QButtonGroup;
 class QComboBox;
 class QLabel;
 class QTableView;
@@ -23,6 +22,8 @@ class QWidget;
 
 namespace mervola {
 
+class FrmGraficoPanel;
+
 // What the window needs to know about the theme it shows.
 struct DbfWindowSource {
     QString themeName;      // the name in the caption (the legend's alias)
@@ -31,6 +32,15 @@ struct DbfWindowSource {
     bool joined = false;    // the theme carries a join of external data
     AtlasHome home;         // for the reference database
     StructureTable structure;
+};
+
+// What the table report prints: the window's rows as the grid shows them,
+// in the grid's order, and its visible columns.
+struct TablePrintout {
+    QStringList fields;    // stored names of the visible columns
+    QStringList captions;  // their header captions
+    std::vector<QStringList> rows;  // value texts; a null value is empty
+    bool printerAvailable = false;  // without a printer the preview only saves PDF
 };
 
 // The main window's side of the attribute table window.
@@ -50,7 +60,7 @@ public:
     virtual void openStatistics(QWidget *parent, const DbfWindowState &state);
     virtual void openChart(QWidget *parent, const DbfWindowState &state, const QString &indicatorField, int typeIndex,
                            bool threeD);
-    virtual void printTable(const DbfWindowState &state);
+    virtual void printTable(QWidget *parent, const TablePrintout &printout);
     virtual void openJoin(const QString &layerName);
 };
 
@@ -94,7 +104,8 @@ protected:
 
 private:
     void buildToolbar();
-    QWidget *buildChartPanel();
+    void buildGrid();
+    void fitColumnWidths();
     void columnClicked(int column);
     void sort(SortOrder order);
     void statistics();
@@ -102,7 +113,6 @@ private:
     void exportTable();
     void showOnMap();
     void showChart();
-    void fillChartTypes();
     void updateSelectionCount();
     QList<int> selectedRows() const;
 
@@ -121,11 +131,7 @@ private:
     QTableView *m_grid = nullptr;
     QLabel *m_infoSel = nullptr;
     QLabel *m_infoOn = nullptr;
-    QWidget *m_chartPanel = nullptr;
-    QButtonGroup *m_dimension = nullptr;
-    QComboBox *m_chartType = nullptr;
-    QComboBox *m_numeric = nullptr;
-    QLabel *m_countSel = nullptr;
+    FrmGraficoPanel *m_chartPanel = nullptr;
     QTimer *m_timer = nullptr;
 };
 

@@ -69,17 +69,19 @@ std::pair<double, double> valueSpan(const ChartSeries &s)
     return {lo < 0 ? lo - pad : lo, hi + pad};
 }
 
-void addAxes(QChart *chart, QAbstractSeries *series, const ChartSeries &s, LabelFormat format, bool categories)
+void addAxes(QChart *chart, const QList<QAbstractSeries *> &series, const ChartSeries &s, LabelFormat format,
+             bool categories)
 {
     auto *y = new QValueAxis;
     const auto [lo, hi] = valueSpan(s);
     y->setRange(lo, hi);
     y->setTitleText(s.caption);
-    y->setLabelFormat(s.hasDecimals() ? QStringLiteral("%.2f") : QStringLiteral("%.0f"));
+    y->setLabelFormat(QStringLiteral("%.0f"));
     y->setLabelsFont(labelFont());
     y->applyNiceNumbers();
     chart->addAxis(y, Qt::AlignLeft);
-    series->attachAxis(y);
+    for (QAbstractSeries *part : series)
+        part->attachAxis(y);
     if (!categories)
         return;
     auto *x = new QBarCategoryAxis;
@@ -88,7 +90,8 @@ void addAxes(QChart *chart, QAbstractSeries *series, const ChartSeries &s, Label
     if (s.points.size() > 2)
         x->setLabelsAngle(-90); // element names are long: upright they keep their whole text
     chart->addAxis(x, Qt::AlignBottom);
-    series->attachAxis(x);
+    for (QAbstractSeries *part : series)
+        part->attachAxis(x);
 }
 
 QChart *barChart(const ChartSeries &s, LabelFormat format)
@@ -99,11 +102,12 @@ QChart *barChart(const ChartSeries &s, LabelFormat format)
     const QStringList labels = pointLabels(s, format);
     for (int i = 0; i < s.points.size(); ++i) {
         auto *set = new QBarSet(labels[i]);
-        set->append(s.points[i].value.value_or(0));
+        if (s.points[i].value) // a null value is left empty, not drawn as 0
+            set->append(*s.points[i].value);
         series->append(set);
     }
     chart->addSeries(series);
-    addAxes(chart, series, s, format, false);
+    addAxes(chart, {series}, s, format, false);
     auto *x = new QBarCategoryAxis;
     x->append(s.caption);
     x->setLabelsFont(labelFont());
@@ -114,13 +118,24 @@ QChart *barChart(const ChartSeries &s, LabelFormat format)
     return chart;
 }
 
-// Lines, areas and steps: one line across the elements, x = position in the selection.
-QLineSeries *lineSeries(const ChartSeries &s, bool stepped)
+// Lines, areas and steps across the elements, x = position in the
+// selection. A null value is left empty: the line breaks there, so each
+// run of values is a series of its own.
+QList<QLineSeries *> lineRuns(const ChartSeries &s, bool stepped)
 {
-    auto *line = new QLineSeries;
-    line->setName(s.caption);
+    QList<QLineSeries *> runs;
+    QLineSeries *line = nullptr;
     for (int i = 0; i < s.points.size(); ++i) {
-        const double v = s.points[i].value.value_or(0);
+        if (!s.points[i].value) {
+            line = nullptr;
+            continue;
+        }
+        if (!line) {
+            line = new QLineSeries;
+            line->setName(s.caption);
+            runs << line;
+        }
+        const double v = *s.points[i].value;
         if (stepped) {
             line->append(i - 0.5, v);
             line->append(i + 0.5, v);
@@ -128,24 +143,32 @@ QLineSeries *lineSeries(const ChartSeries &s, bool stepped)
             line->append(i, v);
         }
     }
-    return line;
+    return runs;
 }
 
 QChart *xyChart(const ChartSeries &s, ChartKind kind, LabelFormat format)
 {
     auto *chart = new QChart;
-    QAbstractSeries *series = nullptr;
-    if (kind == ChartKind::Areas) {
-        auto *area = new QAreaSeries(lineSeries(s, false));
-        area->setName(s.caption);
-        series = area;
-    } else {
-        auto *line = lineSeries(s, kind == ChartKind::Step);
-        line->setPointsVisible(kind == ChartKind::Lines);
-        series = line;
+    QList<QAbstractSeries *> parts;
+    const QColor colour = elementColours().front();
+    for (QLineSeries *line : lineRuns(s, kind == ChartKind::Step)) {
+        if (kind == ChartKind::Areas) {
+            auto *area = new QAreaSeries(line);
+            area->setName(s.caption);
+            area->setColor(colour);
+            parts << area;
+        } else {
+            line->setPointsVisible(kind == ChartKind::Lines || line->count() == 1);
+            line->setColor(colour);
+            parts << line;
+        }
     }
-    chart->addSeries(series);
-    addAxes(chart, series, s, format, true);
+    // The axes need a series even when every value is null.
+    if (parts.isEmpty())
+        parts << new QLineSeries;
+    for (QAbstractSeries *part : parts)
+        chart->addSeries(part);
+    addAxes(chart, parts, s, format, true);
     chart->legend()->hide();
     return chart;
 }
@@ -157,7 +180,9 @@ QChart *pieChart(const ChartSeries &s, LabelFormat format)
     pie->setPieSize(0.6);
     for (int i = 0; i < s.points.size(); ++i) {
         const ChartPoint &p = s.points[i];
-        auto *slice = pie->append(chartPointLabel(p, s, format), p.value.value_or(0));
+        if (!p.value)
+            continue; // a null value has no slice
+        auto *slice = pie->append(chartPointLabel(p, s, format), *p.value);
         slice->setLabelVisible(true);
         slice->setLabelFont(labelFont());
         slice->setColor(elementColours()[i % elementColours().size()]);
@@ -237,8 +262,8 @@ QWidget *buildSolidChart(const ChartSeries &s, ChartKind kind, LabelFormat forma
         break;
     }
     QBarDataRow *row = new QBarDataRow;
-    for (const ChartPoint &p : s.points)
-        row->append(QBarDataItem(float(p.value.value_or(0))));
+    for (const ChartPoint &p : s.points) // a null value stands as an empty bar of height 0
+        row->append(QBarDataItem(p.value ? float(*p.value) : 0.0f));
     series->dataProxy()->addRow(row, s.caption);
     series->dataProxy()->setColumnLabels(pointLabels(s, format));
     series->setItemLabelFormat(QStringLiteral("@colLabel"));

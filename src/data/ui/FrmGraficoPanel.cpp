@@ -23,8 +23,9 @@ FrmGraficoPanel::FrmGraficoPanel(QWidget *parent) : QGroupBox(parent)
     }
     auto *countRow = new QHBoxLayout;
     auto *countCaption = new QLabel(ChartText::kSelectedCount, this);
+    countCaption->setObjectName(QStringLiteral("lblCountSel"));
     m_count = new QLabel(QStringLiteral("0"), this);
-    m_count->setObjectName(QStringLiteral("lblCountSel"));
+    m_count->setObjectName(QStringLiteral("txtCountSel"));
     countRow->addWidget(countCaption);
     countRow->addWidget(m_count);
     countRow->addStretch();
@@ -42,10 +43,10 @@ FrmGraficoPanel::FrmGraficoPanel(QWidget *parent) : QGroupBox(parent)
 
     m_solid = new QRadioButton(ChartText::kThreeD, this);
     m_flat = new QRadioButton(ChartText::kTwoD, this);
-    for (QRadioButton *b : {m_solid, m_flat}) {
-        b->setObjectName(QStringLiteral("optDimen"));
+    m_solid->setObjectName(QStringLiteral("optDimen_0"));
+    m_flat->setObjectName(QStringLiteral("optDimen_1"));
+    for (QRadioButton *b : {m_solid, m_flat})
         layout->addWidget(b);
-    }
     m_flat->setChecked(true);
     connect(m_solid, &QRadioButton::toggled, this, [this](bool) { fillTypes(); });
 
@@ -72,12 +73,14 @@ void FrmGraficoPanel::fillTypes()
 
 void FrmGraficoPanel::setIndicators(const QStringList &fields, const QStringList &captions)
 {
+    // The chosen indicator stays chosen while it is still offered.
+    const QString current = indicatorField();
     m_indicators->clear();
     for (int i = 0; i < fields.size(); ++i) {
         const QString caption = captions.value(i);
         m_indicators->addItem(caption.isEmpty() ? fields[i] : caption, fields[i]);
     }
-    m_indicators->setCurrentIndex(-1);
+    m_indicators->setCurrentIndex(current.isEmpty() ? -1 : m_indicators->findData(current));
 }
 
 void FrmGraficoPanel::setSelectedCount(int count)
@@ -90,11 +93,6 @@ QString FrmGraficoPanel::indicatorField() const
     return m_indicators->currentData().toString();
 }
 
-QString FrmGraficoPanel::indicatorCaption() const
-{
-    return m_indicators->currentIndex() < 0 ? QString() : m_indicators->currentText();
-}
-
 int FrmGraficoPanel::typeIndex() const
 {
     return m_types->currentIndex();
@@ -103,11 +101,6 @@ int FrmGraficoPanel::typeIndex() const
 bool FrmGraficoPanel::isThreeD() const
 {
     return m_solid->isChecked();
-}
-
-void FrmGraficoPanel::setThreeD(bool threeD)
-{
-    (threeD ? m_solid : m_flat)->setChecked(true);
 }
 
 } // namespace mervola

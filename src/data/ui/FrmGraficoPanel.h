@@ -1,9 +1,9 @@
 #pragma once
 // The chart panel of the attribute window (frame Frame1): the indicator
-// (cbonumeric), the chart type (cboTipo), the dimension (optDimen), the
-// selection count (lblCountSel) and cmdGrafico. The table window embeds it,
-// fills the indicators, keeps the count up to date and answers
-// chartRequested() by calling openChart() with its selected rows.
+// (cbonumeric), the chart type (cboTipo), the dimension (optDimen_0 solid,
+// optDimen_1 flat), the selection count (txtCountSel beside lblCountSel) and
+// cmdGrafico. The table window embeds it, fills the indicators, keeps the
+// count up to date and answers chartRequested().
 
 #include <QGroupBox>
 
@@ -25,10 +25,8 @@ public:
     void setSelectedCount(int count);
 
     QString indicatorField() const; // empty when none is chosen
-    QString indicatorCaption() const;
-    int typeIndex() const; // cboTipo's index, -1 when none
+    int typeIndex() const;          // cboTipo's index, -1 when none
     bool isThreeD() const;
-    void setThreeD(bool threeD); // refills cboTipo
 
 signals:
     void chartRequested();

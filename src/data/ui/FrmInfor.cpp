@@ -14,14 +14,15 @@ namespace mervola {
 
 namespace {
 const QColor kChosen(244, 244, 40);
-}
+const QString kCaptionPrefix = QStringLiteral("Informazioni su... ");
+}  // namespace
 
 FrmInfor::FrmInfor(const QString &currentTheme, QList<FoundElement> found, const QStringList &categories,
                    ReferenceDb db, QWidget *parent)
     : QDialog(parent), m_found(std::move(found)), m_db(std::move(db))
 {
     setObjectName(QStringLiteral("frmInfor"));
-    setWindowTitle(QStringLiteral("Informazioni su... ") + currentTheme);
+    setWindowTitle(kCaptionPrefix + currentTheme);
     resize(640, 460);
 
     m_themes = new QTableWidget(int(m_found.size()), 1, this);
@@ -82,6 +83,8 @@ void FrmInfor::showRow(int row)
         m_themes->item(m_row, 0)->setBackground(Qt::white);
     m_themes->item(row, 0)->setBackground(kChosen);
     m_row = row;
+    // Titled by the theme of the element shown, under its legend name.
+    setWindowTitle(kCaptionPrefix + m_themes->item(row, 0)->text());
     if (m_categories->currentIndex() > 0 && isCommunityLayer(m_found[row].theme))
         chooseCategory(m_categories->currentIndex());
     else

@@ -1,5 +1,6 @@
 #include "data/ui/FrmQuery.h"
 #include "platform/FieldNames.h"
+#include "data/AttributeTable.h"
 
 #include "platform/Messages.h"
 
@@ -36,8 +37,8 @@ QPushButton *button(QWidget *parent, const QString &name, const QString &caption
 
 } // namespace
 
-FrmQuery::FrmQuery(QList<QueryTheme> themes, MapSelectionHost &host, QWidget *parent)
-    : QDialog(parent), m_themes(std::move(themes)), m_host(host)
+FrmQuery::FrmQuery(QList<QueryTheme> themes, MapSelectionHost &host, IndicatorCatalog catalog, QWidget *parent)
+    : QDialog(parent), m_themes(std::move(themes)), m_host(host), m_catalog(std::move(catalog))
 {
     setObjectName(QStringLiteral("frmquery"));
     setWindowTitle(querytext::kCaption);
@@ -150,10 +151,12 @@ void FrmQuery::themeChosen(int row)
         showMessage(MsgStyle::Critical, fields.errorMessage());
         return;
     }
+    const bool described = isBaseTable(m_table);
     for (const MapQueryField &f : *fields)
         if (!isPlaceholderField(f.name)) { // placeholders are never listed
             m_fields << f;
-            m_campi->addItem(f.name);
+            const QString d = described ? m_catalog.description(f.name, kBaseCategoryCode) : QString();
+            m_campi->addItem(d.isEmpty() || d == kNoMatch ? f.name : d);
         }
 }
 
@@ -178,7 +181,9 @@ void FrmQuery::fieldClicked(QListWidgetItem *item)
         m_fieldJustChosen = false;
         return;
     }
-    insertText(fieldInsertion(item->text()));
+    const int row = m_campi->row(item);
+    if (row >= 0 && row < m_fields.size())
+        insertText(fieldInsertion(m_fields[row].name)); // the stored name, whatever the list shows
 }
 
 void FrmQuery::previewToggled(bool on)
@@ -263,9 +268,10 @@ void FrmQuery::clearQuery()
     m_elementi->clear();
 }
 
-void openMapQuery(QWidget *parent, const QList<QueryTheme> &themes, MapSelectionHost &host, const QString &activeTheme)
+void openMapQuery(QWidget *parent, const QList<QueryTheme> &themes, MapSelectionHost &host, IndicatorCatalog catalog,
+                  const QString &activeTheme)
 {
-    FrmQuery window(themes, host, parent);
+    FrmQuery window(themes, host, std::move(catalog), parent);
     if (!activeTheme.isEmpty())
         window.chooseTheme(activeTheme);
     window.exec();

@@ -7,6 +7,7 @@
 // on a theme's layer, highlight them, zoom to them), then calls
 // openMapQuery(this, themes, host, activeThemeName).
 
+#include "data/AttributeTableCatalog.h"
 #include "data/MapQuery.h"
 #include "platform/dbf/DbfFolder.h"
 
@@ -26,7 +27,10 @@ class FrmQuery : public QDialog
 {
     Q_OBJECT
 public:
-    FrmQuery(QList<QueryTheme> themes, MapSelectionHost &host, QWidget *parent = nullptr);
+    // `catalog` names the fields of the community and municipality tables
+    // by their descriptions, as the table query does.
+    FrmQuery(QList<QueryTheme> themes, MapSelectionHost &host, IndicatorCatalog catalog = {},
+             QWidget *parent = nullptr);
     // Chooses the theme of that map name (the active theme when opened).
     void chooseTheme(const QString &name);
 
@@ -47,6 +51,7 @@ private:
     std::optional<DbfFolder> m_folder;
     QString m_table;
     QList<MapQueryField> m_fields;
+    IndicatorCatalog m_catalog;
     bool m_fieldJustChosen = false;
 
     QListWidget *m_temi = nullptr;
@@ -59,7 +64,7 @@ private:
 };
 
 // Opens the query builder over the themes, on `activeTheme` when given.
-void openMapQuery(QWidget *parent, const QList<QueryTheme> &themes, MapSelectionHost &host,
+void openMapQuery(QWidget *parent, const QList<QueryTheme> &themes, MapSelectionHost &host, IndicatorCatalog catalog,
                   const QString &activeTheme = {});
 
 } // namespace mervola

@@ -6,12 +6,15 @@
 #include <QComboBox>
 #include <QCompleter>
 #include <QLabel>
+#include <QLineEdit>
+#include <QStringListModel>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 namespace mervola {
 
-FrmSearch::FrmSearch(const QString &themeName, const QStringList &names, QWidget *parent) : QDialog(parent)
+FrmSearch::FrmSearch(const QString &themeName, const QStringList &names, QWidget *parent)
+    : QDialog(parent), m_names(names)
 {
     setObjectName(QStringLiteral("frmSearch"));
     setWindowTitle(searchCaption(themeName));
@@ -22,8 +25,17 @@ FrmSearch::FrmSearch(const QString &themeName, const QStringList &names, QWidget
     m_features->setEditable(true);  // typing a name narrows the list
     m_features->setInsertPolicy(QComboBox::NoInsert);
     m_features->addItems(names);
-    m_features->completer()->setCompletionMode(QCompleter::PopupCompletion);
-    m_features->completer()->setFilterMode(Qt::MatchContains);
+    // The popup lists the names that contain what was typed, without regard
+    // to case or accents ("forli" offers "Forlì").
+    m_matches = new QStringListModel(this);
+    auto *completer = new QCompleter(m_matches, this);
+    completer->setCompletionMode(QCompleter::UnfilteredPopupCompletion);
+    m_features->setCompleter(completer);
+    connect(m_features->lineEdit(), &QLineEdit::textEdited, this, [this](const QString &typed) {
+        m_matches->setStringList(typed.isEmpty() ? QStringList() : matchingNames(m_names, typed));
+        if (!typed.isEmpty())
+            m_features->completer()->complete();
+    });
     m_features->setMinimumWidth(320);
     caption->setBuddy(m_features);
     layout->addWidget(caption);
@@ -34,6 +46,6 @@ FrmSearch::FrmSearch(const QString &themeName, const QStringList &names, QWidget
     layout->addLayout(row.layout);
 }
 
-QString FrmSearch::chosenName() const { return m_features->currentText(); }
+QString FrmSearch::chosenName() const { return resolveName(m_names, m_features->currentText()); }
 
 }  // namespace mervola

@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QLabel>
 #include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -40,6 +41,11 @@ FrmStatistiche::FrmStatistiche(const ColumnStatistics &stats, const QString &tab
     setObjectName(QStringLiteral("frmStatistiche"));
     setWindowTitle(statisticsCaption(tableWindowCaption));
     auto *layout = new QVBoxLayout(this);
+    // The column described, by its header caption.
+    auto *column = new QLabel(StatText::kColumn + stats.caption, this);
+    column->setObjectName(QStringLiteral("lblColonna"));
+    column->setWordWrap(true);
+    layout->addWidget(column);
     m_grid = new QTableWidget(this);
     m_grid->setObjectName(QStringLiteral("flxgrdStat"));
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -76,8 +82,6 @@ void FrmStatistiche::createFlexStat(const ColumnStatistics &stats)
         value->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
         m_grid->setItem(r, 1, value);
     }
-    // Column caption above the grid so the user sees what was analysed.
-    m_grid->setToolTip(stats.caption);
     const int height = m_grid->rowHeight(0) * int(names.size()) + 2 * m_grid->frameWidth() + 2;
     m_grid->setMinimumHeight(height);
     m_grid->setMinimumWidth(twipsToPixels(this, kNameColumnTwips) * 2 + 2 * m_grid->frameWidth() + 2);

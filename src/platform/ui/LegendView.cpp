@@ -51,24 +51,32 @@ QTreeWidgetItem *LegendView::topItem(const QTreeWidgetItem *item) const
 
 QIcon LegendView::swatch(const QColor &fill, const QColor &outline, bool outlined, int geometryKind, int size)
 {
-    QPixmap pm(size + 4, size);
-    pm.fill(Qt::transparent);
-    QPainter p(&pm);
-    p.setRenderHint(QPainter::Antialiasing, geometryKind != 2);
-    const QRect r(1, 1, size + 1, size - 3);
-    if (geometryKind == 0) {
-        p.setBrush(fill);
-        p.setPen(outlined ? QPen(outline, 1) : Qt::NoPen);
-        p.drawEllipse(r.center(), size / 4, size / 4);
-    } else if (geometryKind == 1) {
-        p.setPen(QPen(fill, 2));
-        p.drawLine(r.left(), r.center().y(), r.right(), r.center().y());
-    } else {
-        p.setBrush(fill);
-        p.setPen(outlined ? QPen(outline, 1) : Qt::NoPen);
-        p.drawRect(r);
+    // One picture per device pixel ratio, each drawn at its own resolution,
+    // so that the swatches stay sharp on a high-DPI screen.
+    QIcon icon;
+    for (const qreal ratio : {1.0, 1.5, 2.0, 3.0}) {
+        QPixmap pm(QSize(size + 4, size) * ratio);
+        pm.setDevicePixelRatio(ratio);
+        pm.fill(Qt::transparent);
+        QPainter p(&pm);
+        p.setRenderHint(QPainter::Antialiasing, geometryKind != 2);
+        const QRectF r(1, 1, size + 1, size - 3);
+        if (geometryKind == 0) {
+            p.setBrush(fill);
+            p.setPen(outlined ? QPen(outline, 1) : Qt::NoPen);
+            p.drawEllipse(r.center(), size / 4.0, size / 4.0);
+        } else if (geometryKind == 1) {
+            p.setPen(QPen(fill, 2));
+            p.drawLine(QPointF(r.left(), r.center().y()), QPointF(r.right(), r.center().y()));
+        } else {
+            p.setBrush(fill);
+            p.setPen(outlined ? QPen(outline, 1) : Qt::NoPen);
+            p.drawRect(r.adjusted(0.5, 0.5, -0.5, -0.5));
+        }
+        p.end();
+        icon.addPixmap(pm);
     }
-    return QIcon(pm);
+    return icon;
 }
 
 void LegendView::setEntries(const std::vector<LegendEntry> &entries)

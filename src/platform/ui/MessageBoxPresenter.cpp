@@ -69,15 +69,16 @@ MsgAnswer MessageBoxPresenter::show(int style, const QString &text, const QStrin
     std::vector<Button> buttons;
     switch (style & 7) {
     case MsgStyle::OkCancel:
-        buttons = {{"OK", MsgAnswer::Ok, QMessageBox::AcceptRole}, {"Annulla", MsgAnswer::Cancel, QMessageBox::RejectRole}};
+        buttons = {{"OK", MsgAnswer::Ok, QMessageBox::AcceptRole}, {"&Annulla", MsgAnswer::Cancel, QMessageBox::RejectRole}};
         break;
     case MsgStyle::YesNoCancel:
-        buttons = {{"Sì", MsgAnswer::Yes, QMessageBox::YesRole},
-                   {"No", MsgAnswer::No, QMessageBox::NoRole},
-                   {"Annulla", MsgAnswer::Cancel, QMessageBox::RejectRole}};
+        // Alt+S, Alt+N, Alt+A answer from the keyboard.
+        buttons = {{"&Sì", MsgAnswer::Yes, QMessageBox::YesRole},
+                   {"&No", MsgAnswer::No, QMessageBox::NoRole},
+                   {"&Annulla", MsgAnswer::Cancel, QMessageBox::RejectRole}};
         break;
     case MsgStyle::YesNo:
-        buttons = {{"Sì", MsgAnswer::Yes, QMessageBox::YesRole}, {"No", MsgAnswer::No, QMessageBox::NoRole}};
+        buttons = {{"&Sì", MsgAnswer::Yes, QMessageBox::YesRole}, {"&No", MsgAnswer::No, QMessageBox::NoRole}};
         break;
     default: buttons = {{"OK", MsgAnswer::Ok, QMessageBox::AcceptRole}};
     }

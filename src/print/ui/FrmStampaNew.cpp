@@ -1,6 +1,8 @@
 #include "print/ui/FrmStampaNew.h"
 
 #include "platform/Messages.h"
+#include "platform/ui/LastFolder.h"
+#include "platform/ui/ScreenFit.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -20,9 +22,11 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 constexpr int kPreviewDelayMs = 300;
 
@@ -44,10 +48,11 @@ void preparePrinter(QPrinter &printer, const MapPageContent &pageContent)
     printer.setDocName(pageContent.title.isEmpty() ? QStringLiteral("Mervola") : pageContent.title);
 }
 
-}  // namespace
+} // namespace
 
 FrmStampaNew::FrmStampaNew(MapPageContent pageContent, QWidget *parent)
-    : QDialog(parent), m_content(std::move(pageContent)), m_previewPrinter(std::make_unique<QPrinter>(QPrinter::ScreenResolution))
+    : QDialog(parent), m_content(std::move(pageContent)),
+      m_previewPrinter(std::make_unique<QPrinter>(QPrinter::ScreenResolution))
 {
     setObjectName(QStringLiteral("frmStampaNew"));
     setWindowTitle(QStringLiteral("Stampa della mappa"));
@@ -69,7 +74,7 @@ FrmStampaNew::FrmStampaNew(MapPageContent pageContent, QWidget *parent)
 
     buildControls();
     writeControls();
-    resize(1100, 780);
+    resizeWithinScreen(this, QSize(1100, 780));
 }
 
 FrmStampaNew::~FrmStampaNew() = default;
@@ -201,9 +206,15 @@ void FrmStampaNew::readControls()
     schedulePreview();
 }
 
-void FrmStampaNew::schedulePreview() { m_previewTimer->start(); }
+void FrmStampaNew::schedulePreview()
+{
+    m_previewTimer->start();
+}
 
-void FrmStampaNew::paintPreview(QPrinter *printer) { paintOnPrinter(printer, m_content); }
+void FrmStampaNew::paintPreview(QPrinter *printer)
+{
+    paintOnPrinter(printer, m_content);
+}
 
 void FrmStampaNew::setOrientation(QPageLayout::Orientation o)
 {
@@ -255,7 +266,10 @@ void FrmStampaNew::cmdStampa_Click()
     paintOnPrinter(&printer, m_content);
 }
 
-Status FrmStampaNew::savePdfTo(const QString &path) const { return writeMapPagePdf(m_content, path); }
+Status FrmStampaNew::savePdfTo(const QString &path) const
+{
+    return writeMapPagePdf(m_content, path);
+}
 
 void FrmStampaNew::cmdSalvaPdf_Click()
 {
@@ -264,11 +278,13 @@ void FrmStampaNew::cmdSalvaPdf_Click()
     name.replace(QRegularExpression(QStringLiteral("[\\\\/:*?\"<>|]")), QStringLiteral("_"));
     if (name.isEmpty())
         name = QStringLiteral("mappa");
-    QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Salva la mappa in PDF"),
-                                                QDir::home().filePath(name + QStringLiteral(".pdf")),
-                                                QStringLiteral("Documenti PDF (*.pdf)"));
+    QString path =
+        QFileDialog::getSaveFileName(this, QStringLiteral("Salva la mappa in PDF"),
+                                     QDir(lastUsedFolder(QDir::homePath())).filePath(name + QStringLiteral(".pdf")),
+                                     QStringLiteral("Documenti PDF (*.pdf)"));
     if (path.isEmpty())
         return;
+    rememberFolderOf(path);
     if (!path.endsWith(QStringLiteral(".pdf"), Qt::CaseInsensitive))
         path += QStringLiteral(".pdf");
     const Status s = savePdfTo(path);
@@ -282,4 +298,4 @@ void openMapPrintPage(QWidget *parent, const MapPageContent &pageContent)
     dlg.exec();
 }
 
-}  // namespace mervola
+} // namespace mervola

@@ -1,13 +1,17 @@
 #include "print/ui/ReportPreview.h"
 
 #include "platform/Messages.h"
-#include "platform/dbf/DbfFolder.h"
+#include "platform/ui/LastFolder.h"
+#include "platform/ui/ScreenFit.h"
 
+#include <QCoreApplication>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPageSetupDialog>
 #include <QPrinter>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
@@ -26,8 +30,9 @@ constexpr double kPreviewDpi = 72;
 
 } // namespace
 
-ReportPreview::ReportPreview(AtlasHome home, QWidget *parent)
-    : QDialog(parent), m_home(std::move(home)), m_printer(std::make_unique<QPrinter>(QPrinter::HighResolution))
+ReportPreview::ReportPreview(AtlasHome home, bool printerAvailable, QWidget *parent)
+    : QDialog(parent), m_home(std::move(home)), m_printerAvailable(printerAvailable),
+      m_printer(std::make_unique<QPrinter>(QPrinter::HighResolution))
 {
     setObjectName(QStringLiteral("frmStampaTabella"));
     setWindowTitle(reporttext::kPreviewCaption);
@@ -40,13 +45,13 @@ ReportPreview::ReportPreview(AtlasHome home, QWidget *parent)
         a->setObjectName(key);
         return a;
     };
-    action(QStringLiteral("setup"), reporttext::kSetup, [this] { setupPrinter(); });
-    action(QStringLiteral("print"), reporttext::kPrint, [this] { printAll(); });
+    action(QStringLiteral("setup"), reporttext::kSetup, [this] { setupPrinter(); })->setEnabled(m_printerAvailable);
+    action(QStringLiteral("print"), reporttext::kPrint, [this] { printAll(); })->setEnabled(m_printerAvailable);
     action(QStringLiteral("pdf"), QStringLiteral("Salva in PDF"), [this] { savePdf(); });
     toolbar->addSeparator();
-    m_portrait = new QRadioButton(QStringLiteral("Verticale"), this);
+    m_portrait = new QRadioButton(QStringLiteral("&Verticale"), this);
     m_portrait->setObjectName(QStringLiteral("optVerticale"));
-    m_landscape = new QRadioButton(QStringLiteral("Orizzontale"), this);
+    m_landscape = new QRadioButton(QStringLiteral("&Orizzontale"), this);
     m_landscape->setObjectName(QStringLiteral("optOrizzontale"));
     toolbar->addWidget(m_portrait);
     toolbar->addWidget(m_landscape);
@@ -88,7 +93,7 @@ ReportPreview::ReportPreview(AtlasHome home, QWidget *parent)
     layout->setMenuBar(toolbar);
     layout->addLayout(nav);
     layout->addWidget(m_scroll, 1);
-    resize(760, 900);
+    resizeWithinScreen(this, QSize(760, 900));
 
     reload();
     connect(m_landscape, &QRadioButton::toggled, this,
@@ -159,11 +164,29 @@ void ReportPreview::setupPrinter()
         reload();
 }
 
+Status ReportPreview::withProgress(const QString &caption,
+                                   const std::function<Status(const ReportProgress &)> &work)
+{
+    QProgressDialog progress(caption, QStringLiteral("Annulla"), 0, std::max(1, pageCount()), this);
+    progress.setObjectName(QStringLiteral("prgStampa"));
+    progress.setWindowTitle(QStringLiteral("Mervola"));
+    progress.setWindowModality(Qt::WindowModal);
+    progress.setMinimumDuration(500);
+    return work([&progress](int done, int total) {
+        progress.setMaximum(std::max(1, total));
+        progress.setValue(done);
+        QCoreApplication::processEvents();
+        return !progress.wasCanceled();
+    });
+}
+
 void ReportPreview::printAll()
 {
-    if (!m_loaded)
+    if (!m_loaded || !m_printerAvailable)
         return;
-    if (Status s = m_doc.print(*m_printer); !s)
+    const Status s = withProgress(QStringLiteral("Stampa della tabella in corso..."),
+                                  [this](const ReportProgress &p) { return m_doc.print(*m_printer, p); });
+    if (!s && s.errorMessage() != reporttext::kCancelled)
         showMessage(MsgStyle::Critical, s.errorMessage());
 }
 
@@ -171,23 +194,42 @@ void ReportPreview::savePdf()
 {
     if (!m_loaded)
         return;
-    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Salva in PDF"), QString(),
-                                                      QStringLiteral("Documenti PDF (*.pdf)"));
+    QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Salva in PDF"), lastUsedFolder(),
+                                                QStringLiteral("Documenti PDF (*.pdf)"));
     if (path.isEmpty())
         return;
-    if (Status s = m_doc.writePdf(path); !s)
+    rememberFolderOf(path);
+    if (QFileInfo(path).suffix().isEmpty())
+        path += QStringLiteral(".pdf");
+    const Status s = withProgress(QStringLiteral("Salvataggio del PDF in corso..."),
+                                  [this, &path](const ReportProgress &p) { return m_doc.writePdf(path, p); });
+    if (!s && s.errorMessage() != reporttext::kCancelled)
         showMessage(MsgStyle::Critical, s.errorMessage());
 }
 
-void openTableReport(QWidget *parent, const AtlasHome &home, const QString &tableFolder, const QString &table,
-                     const QList<ReportColumn> &columns, const QString &filter)
+void openTableReport(QWidget *parent, const AtlasHome &home, const QList<ReportColumn> &columns,
+                     const std::vector<QStringList> &rows, bool printerAvailable)
 {
-    DbfFolder folder(tableFolder);
-    if (Status s = prepareTableReport(home, folder, table, columns, filter); !s) {
-        showMessage(MsgStyle::Critical, s.errorMessage());
+    QProgressDialog progress(QStringLiteral("Preparazione della stampa..."), QStringLiteral("Annulla"), 0,
+                             std::max<int>(1, int(rows.size())), parent);
+    progress.setObjectName(QStringLiteral("prgPreparazione"));
+    progress.setWindowTitle(QStringLiteral("Mervola"));
+    progress.setWindowModality(Qt::WindowModal);
+    progress.setMinimumDuration(500);
+    const Status s = prepareTableReport(home, columns, rows, [&progress](int done, int) {
+        progress.setValue(done);
+        QCoreApplication::processEvents();
+        return !progress.wasCanceled();
+    });
+    progress.close();
+    if (!s) {
+        if (s.errorMessage() != reporttext::kCancelled)
+            showMessage(MsgStyle::Critical, s.errorMessage());
         return;
     }
-    ReportPreview preview(home, parent);
+    if (Status o = turnWideReport(home); !o)
+        showMessage(MsgStyle::Critical, o.errorMessage());
+    ReportPreview preview(home, printerAvailable, parent);
     if (preview.loaded())
         preview.exec();
 }

@@ -1,10 +1,12 @@
 #pragma once
 // frmStampaTabella: the preview of the table report, page by page, with the
-// printer set-up, the orientation, printing and saving as PDF.
+// printer set-up, the orientation, printing and saving as PDF. Without a
+// printer the preview still opens: printing is disabled and saving as PDF
+// is what the user can do.
 //
-// Wiring (attribute table window, "stampa"): after the printer check call
-// openTableReport(parent, home, tableFolder, table, columns, filter); it
-// fills TempRpt, writes dati/TempRpt.vrd and opens the preview.
+// Wiring (attribute table window, "stampa"): openTableReport(parent, home,
+// columns, rows, printerAvailable) fills TempRpt with the window's rows,
+// writes dati/TempRpt.vrd and opens the preview.
 
 #include "platform/AtlasHome.h"
 #include "print/ReportDocument.h"
@@ -26,7 +28,7 @@ class ReportPreview : public QDialog
 public:
     // Loads dati/TempRpt.vrd of the home; a failure is shown and leaves the
     // preview empty (loaded() is false).
-    explicit ReportPreview(AtlasHome home, QWidget *parent = nullptr);
+    explicit ReportPreview(AtlasHome home, bool printerAvailable = true, QWidget *parent = nullptr);
     ~ReportPreview() override;
 
     bool loaded() const { return m_loaded; }
@@ -34,6 +36,7 @@ public:
     int pageCount() const { return m_doc.pageCount(); }
     void showPage(int page);
     void setOrientation(ReportOrientation orientation);
+    const ReportDocument &document() const { return m_doc; }
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
@@ -43,10 +46,13 @@ private:
     void setupPrinter();
     void printAll();
     void savePdf();
+    // Runs page painting with a progress window that can stop it.
+    Status withProgress(const QString &caption, const std::function<Status(const ReportProgress &)> &work);
 
     AtlasHome m_home;
     ReportDocument m_doc;
     bool m_loaded = false;
+    bool m_printerAvailable = true;
     int m_page = 0;
     std::unique_ptr<QPrinter> m_printer;
     QLabel *m_picture = nullptr;
@@ -58,7 +64,9 @@ private:
 
 // Prepares the report of a table (rows into TempRpt, the definition file)
 // and opens the preview. Errors are shown with the title "Mervola".
-void openTableReport(QWidget *parent, const AtlasHome &home, const QString &tableFolder, const QString &table,
-                     const QList<ReportColumn> &columns, const QString &filter = {});
+// A report too wide for a portrait page but narrower in landscape is turned
+// to landscape before it opens.
+void openTableReport(QWidget *parent, const AtlasHome &home, const QList<ReportColumn> &columns,
+                     const std::vector<QStringList> &rows, bool printerAvailable);
 
 } // namespace mervola

@@ -1,6 +1,8 @@
 // The attribute table window and its table query, driven through their
 // controls over a generated table and reference database.
 #include "data/AttributeTableTexts.h"
+#include "data/ChartData.h"
+#include "data/Statistics.h"
 #include "data/ui/FrmDbf.h"
 #include "data/ui/QueryDbf.h"
 #include "platform/Messages.h"
@@ -116,9 +118,9 @@ private slots:
         QTest::addColumn<int>("selected");
         QTest::addColumn<bool>("indicator");
         QTest::addColumn<QString>("message");
-        QTest::newRow("no indicator") << 2 << false << texts::kNoIndicator;
-        QTest::newRow("eleven") << 11 << true << texts::kMaxTen;
-        QTest::newRow("none") << 0 << true << texts::kNoneSelected;
+        QTest::newRow("no indicator") << 2 << false << ChartText::kNoIndicator;
+        QTest::newRow("eleven") << 11 << true << ChartText::kTooManyRows;
+        QTest::newRow("none") << 0 << true << ChartText::kNoRows;
         QTest::newRow("ten") << 10 << true << QString();
     }
     void chartPreconditions()
@@ -163,7 +165,7 @@ private slots:
         QVERIFY(rec.contains(texts::kNothingOnMap));
         selectRows(w, {4, 1});
         w.runCommand(QStringLiteral("onmap"));
-        QCOMPARE(host.condition, QStringLiteral("Label = 'Comunità B' and Label = 'Comunità E'"));
+        QCOMPARE(host.condition, QStringLiteral("PROG_MONT = '2' and PROG_MONT = '5'"));
         QCOMPARE(host.keys.size(), 2);
 
         QTemporaryDir out;
@@ -219,7 +221,7 @@ private slots:
         QCOMPARE(host.column, 3);
         QCOMPARE(runTableQuery(*w.table(), QStringLiteral("[I010] = 100")), QueryOutcome::Found);
         w.runCommand(QStringLiteral("statistiche"));
-        QCOMPARE(rec.entries().last().text, texts::kTooFewRecords);
+        QCOMPARE(rec.entries().last().text, StatText::kTooFewRecords);
     }
 };
 

@@ -1,13 +1,13 @@
 // The statistics window, the chart panel and the chart window, offscreen.
 #include "data/AttributeTable.h"
 #include "data/ui/FrmGrafico.h"
-#include "data/ui/FrmGraficoPanel.h"
 #include "data/ui/FrmStatistiche.h"
 #include "platform/Messages.h"
 
 #include <QChart>
 #include <QChartView>
 #include <QComboBox>
+#include <QLabel>
 #include <QPieSeries>
 #include <QPrinterInfo>
 #include <QPushButton>
@@ -95,7 +95,7 @@ private slots:
         QVERIFY(stats);
         QCOMPARE(stats->windowTitle(), QStringLiteral("Statistiche su TABELLA COMUNITÀ MONTANE"));
         QCOMPARE(stats->grid()->item(0, 1)->text(), QStringLiteral("3")); // the filter holds
-        QCOMPARE(stats->grid()->toolTip(), QStringLiteral("Superficie"));
+        QCOMPARE(stats->findChild<QLabel *>(QStringLiteral("lblColonna"))->text(), QStringLiteral("Colonna: Superficie"));
 
         std::unique_ptr<FrmGrafico> chart(openChartFor(nullptr, state, QStringLiteral("I001"), 0, false));
         QVERIFY(chart);
@@ -121,36 +121,6 @@ private slots:
         QCOMPARE(messages.entries().size(), 1);
         QCOMPARE(messages.entries()[0].style, MsgStyle::Exclamation);
         QCOMPARE(messages.entries()[0].text, StatText::kColumnNotNumeric);
-    }
-
-    void panelTypeListFollowsTheDimension()
-    {
-        FrmGraficoPanel panel;
-        auto *types = panel.findChild<QComboBox *>(QStringLiteral("cboTipo"));
-        const auto dims = panel.findChildren<QRadioButton *>(QStringLiteral("optDimen"));
-        QCOMPARE(dims.size(), 2);
-        QCOMPARE(dims[0]->text(), QStringLiteral("Grafico tridimensionale"));
-        QCOMPARE(types->count(), 5);
-        types->setCurrentIndex(4);
-        dims[0]->click();
-        QVERIFY(panel.isThreeD());
-        QCOMPARE(types->count(), 4);
-        QCOMPARE(types->findText(QStringLiteral("Torta")), -1);
-        QCOMPARE(panel.typeIndex(), 0);
-        types->setCurrentIndex(2);
-        dims[1]->click();
-        QCOMPARE(types->count(), 5);
-        QCOMPARE(panel.typeIndex(), 2);
-
-        panel.setIndicators({QStringLiteral("I001"), QStringLiteral("I002")},
-                            {QStringLiteral("Superficie"), QString()});
-        QVERIFY(panel.indicatorField().isEmpty()); // nothing chosen yet
-        panel.findChild<QComboBox *>(QStringLiteral("cbonumeric"))->setCurrentIndex(1);
-        QCOMPARE(panel.indicatorField(), QStringLiteral("I002"));
-        QCOMPARE(panel.indicatorCaption(), QStringLiteral("I002"));
-        QSignalSpy spy(&panel, &FrmGraficoPanel::chartRequested);
-        QTest::mouseClick(panel.findChild<QPushButton *>(QStringLiteral("cmdGrafico")), Qt::LeftButton);
-        QCOMPARE(spy.count(), 1);
     }
 
     void chartRefusals_data()
