@@ -133,7 +133,8 @@ FrmDbf::FrmDbf(AttributeTableHost &host, DbfWindowSource source, QWidget *parent
     m_infoSel->setObjectName(QStringLiteral("InfoSel"));
     m_infoOn = new QLabel(status);
     m_infoOn->setObjectName(QStringLiteral("InfoOn"));
-    status->addWidget(m_infoSel, 1);
+    // The count keeps its natural width; the longer "InfoOn" text takes the rest.
+    status->addWidget(m_infoSel, 0);
     status->addWidget(m_infoOn, 1);
 
     m_chartPanel = new FrmGraficoPanel(this);
