@@ -11,7 +11,7 @@ const std::vector<Command> &commands()
         {"build-atlas", "build-atlas --sources DIR --home DIR | build-atlas --demo --home DIR", cmdBuildAtlas},
         {"sql", "sql (--folder DIR | --home DIR) \"ISTRUZIONE\"", cmdSql},
         {"render", "render --home DIR [--project FILE] [--size LxA] --out FILE.{png,bmp,emf,svg,pdf}", cmdRender},
-        {"classify", "classify --home DIR --theme NOME --field CAMPO --method quantile|regolari|unico [--classes N] [--ramp N]", cmdClassify},
+        {"classify", "classify --home DIR --theme NOME --field CAMPO --method quantile|regolari|unico|naturali [--classes N] [--ramp N]", cmdClassify},
     };
     return list;
 }
