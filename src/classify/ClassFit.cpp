@@ -7,7 +7,8 @@
 #include <QLocale>
 #include <algorithm>
 
-namespace mervola::classify {
+namespace mervola::classify
+{
 
 std::optional<double> goodnessOfFit(const std::vector<double> &values, const std::vector<int> &classOf)
 {
@@ -41,7 +42,7 @@ std::optional<double> goodnessOfFit(const std::vector<double> &values, const std
     }
     const long double total = tq - ts * ts / tn;
     if (total <= 0)
-        return 1.0;  // no spread: any classes fit perfectly
+        return 1.0; // no spread: any classes fit perfectly
     long double within = 0;
     for (size_t c = 0; c < size_t(classes); ++c)
         if (n[c] > 0)
@@ -114,4 +115,4 @@ Classification naturalBreaksClassification(const FieldColumn &column, int classC
     return c;
 }
 
-}  // namespace mervola::classify
+} // namespace mervola::classify

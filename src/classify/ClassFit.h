@@ -10,7 +10,8 @@
 #include <optional>
 #include <vector>
 
-namespace mervola::classify {
+namespace mervola::classify
+{
 
 // GVF of `classes` over `sorted` (the non-null values, ascending); nullopt
 // when there is no value or no class. Values all equal fit perfectly (1).
@@ -40,4 +41,4 @@ std::vector<MethodFit> compareMethods(const FieldColumn &column, int maxClasses)
 // counted; empty when the column has no value.
 Classification naturalBreaksClassification(const FieldColumn &column, int classCount, int rampIndex);
 
-}  // namespace mervola::classify
+} // namespace mervola::classify

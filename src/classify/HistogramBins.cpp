@@ -5,13 +5,18 @@
 #include <algorithm>
 #include <cmath>
 
-namespace mervola::classify {
+namespace mervola::classify
+{
 
-double histogramAxis(double v, bool logarithmic) { return logarithmic ? std::log10(v) : v; }
+double histogramAxis(double v, bool logarithmic)
+{
+    return logarithmic ? std::log10(v) : v;
+}
 
-namespace {
+namespace
+{
 const auto axisOf = histogramAxis;
-}  // namespace
+} // namespace
 
 bool logarithmicAxisUseful(const std::vector<double> &sorted)
 {
@@ -54,7 +59,9 @@ std::vector<HistogramBin> classAlignedBins(const std::vector<double> &sorted, co
     std::vector<Edge> kept;
     for (size_t i = 0; i < edges.size(); ++i) {
         const bool end = i == 0 || i + 1 == edges.size();
-        const auto near = [&](size_t j) { return edges[j].limit && std::abs(edges[j].axis - edges[i].axis) < minWidth; };
+        const auto near = [&](size_t j) {
+            return edges[j].limit && std::abs(edges[j].axis - edges[i].axis) < minWidth;
+        };
         if (!end && !edges[i].limit && ((i > 0 && near(i - 1)) || near(i + 1)))
             continue;
         if (!kept.empty() && kept.back().value == edges[i].value)
@@ -80,4 +87,4 @@ std::vector<HistogramBin> classAlignedBins(const std::vector<double> &sorted, co
     return bins;
 }
 
-}  // namespace mervola::classify
+} // namespace mervola::classify

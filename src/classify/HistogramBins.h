@@ -7,7 +7,8 @@
 
 #include <vector>
 
-namespace mervola::classify {
+namespace mervola::classify
+{
 
 // One bar: its value range, the elements in it and the class it belongs to.
 struct HistogramBin {
@@ -28,4 +29,4 @@ bool logarithmicAxisUseful(const std::vector<double> &sorted);
 // Position of a value on the axis: the value, or its base-10 logarithm.
 double histogramAxis(double v, bool logarithmic);
 
-}  // namespace mervola::classify
+} // namespace mervola::classify

@@ -4,14 +4,17 @@
 #include <cstddef>
 #include <limits>
 
-namespace mervola::classify {
+namespace mervola::classify
+{
 
-namespace {
+namespace
+{
 
 // Prefix sums over the distinct values, shifted by their mean to keep the
 // squares small; summed in extended precision, then kept as doubles for the
 // speed of the inner loop.
-class SegmentCost {
+class SegmentCost
+{
 public:
     SegmentCost(const std::vector<double> &values, const std::vector<double> &weights)
     {
@@ -52,9 +55,9 @@ private:
 
 struct Layer {
     const SegmentCost &cost;
-    const std::vector<double> &previous;  // best cost of the first j values in k-1 classes
+    const std::vector<double> &previous; // best cost of the first j values in k-1 classes
     std::vector<double> &current;
-    std::vector<size_t> &split;                // start of the last class
+    std::vector<size_t> &split; // start of the last class
 
     // Fills current[i] for i in [lo, hi], knowing the best split lies in
     // [optLo, optHi].
@@ -81,7 +84,7 @@ struct Layer {
     }
 };
 
-}  // namespace
+} // namespace
 
 double totalSquaredDeviation(const std::vector<double> &sorted)
 {
@@ -144,4 +147,4 @@ NaturalBreaksResult naturalBreaks(const std::vector<double> &sorted, int classes
     return out;
 }
 
-}  // namespace mervola::classify
+} // namespace mervola::classify

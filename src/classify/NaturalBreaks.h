@@ -5,7 +5,8 @@
 
 #include <vector>
 
-namespace mervola::classify {
+namespace mervola::classify
+{
 
 struct NaturalBreaksResult {
     // Per class, the smallest and largest value it holds; fewer classes than
@@ -26,4 +27,4 @@ NaturalBreaksResult naturalBreaks(const std::vector<double> &sorted, int classes
 // Sum of squared deviations of `sorted` from its mean.
 double totalSquaredDeviation(const std::vector<double> &sorted);
 
-}  // namespace mervola::classify
+} // namespace mervola::classify

@@ -17,7 +17,8 @@
 using namespace mervola;
 using namespace mervola::classify;
 
-namespace {
+namespace
+{
 
 double squaredDeviation(const std::vector<double> &v)
 {
@@ -105,9 +106,10 @@ FieldColumn realPopulation(QTemporaryDir &dir)
     return c ? *c : FieldColumn{};
 }
 
-}  // namespace
+} // namespace
 
-class TestClassFit : public QObject {
+class TestClassFit : public QObject
+{
     Q_OBJECT
 private slots:
     void matchesExhaustiveSearch()
@@ -117,7 +119,7 @@ private slots:
             const int n = 1 + int(gen() % 9);
             std::vector<double> v;
             for (int i = 0; i < n; ++i)
-                v.push_back(double(gen() % 12) * (round % 3 == 0 ? 0.5 : 7.0));  // ties on purpose
+                v.push_back(double(gen() % 12) * (round % 3 == 0 ? 0.5 : 7.0)); // ties on purpose
             std::sort(v.begin(), v.end());
             for (int k = 1; k <= 5; ++k) {
                 const NaturalBreaksResult r = naturalBreaks(v, k);
@@ -145,7 +147,7 @@ private slots:
         // Jenks' textbook case: three clear groups in two and three classes.
         v = {1, 2, 3, 10, 11, 12, 20, 21, 22};
         QCOMPARE(naturalBreaks(v, 3).uppers, (std::vector<double>{3, 12, 22}));
-        QCOMPARE(naturalBreaks(v, 2).uppers, (std::vector<double>{12, 22}));  // 127,5 against 156 for {3, 22}
+        QCOMPARE(naturalBreaks(v, 2).uppers, (std::vector<double>{12, 22})); // 127,5 against 156 for {3, 22}
         QCOMPARE(naturalBreaks({}, 3).uppers, std::vector<double>{});
     }
 
@@ -195,7 +197,7 @@ private slots:
             QVERIFY(*row.natural >= *row.quantile - 1e-12);
             QVERIFY(*row.natural >= *row.regular - 1e-12);
         }
-        QVERIFY(std::abs(*rows[3].quantile - *q.gvf) < 1e-12);  // 5 classes
+        QVERIFY(std::abs(*rows[3].quantile - *q.gvf) < 1e-12); // 5 classes
 
         // Histogram: population spans four orders of magnitude; every bin
         // lies inside one class, linear or logarithmic.
@@ -233,7 +235,7 @@ private slots:
         b.upper = 10;
         QCOMPARE(*goodnessOfFit({1, 2, 9, 10}, {a, b}), 1 - 1.0 / 65);
         QVERIFY(!goodnessOfFit({}, {a}).has_value());
-        QCOMPARE(*goodnessOfFit({5, 5, 5}, {a}), 1.0);  // no spread: perfect fit
+        QCOMPARE(*goodnessOfFit({5, 5, 5}, {a}), 1.0); // no spread: perfect fit
         QCOMPARE(gvfText(0.8749), QStringLiteral("Bontà dell'adattamento (GVF): 0,87"));
         QCOMPARE(gvfText(std::nullopt), QStringLiteral("Bontà dell'adattamento (GVF): -"));
     }

@@ -14,7 +14,8 @@
 using namespace mervola;
 using namespace mervola::classify;
 
-class TestClassifyCli : public QObject {
+class TestClassifyCli : public QObject
+{
     Q_OBJECT
     QTemporaryDir m_dir;
     QString m_home;
@@ -23,12 +24,12 @@ class TestClassifyCli : public QObject {
     QJsonObject classify(const QString &method, int classes)
     {
         QString out, err;
-        const int code = test::runProgram(QStringLiteral(MERVOLA_CLI),
-                                          {QStringLiteral("classify"), QStringLiteral("--home"), m_home,
-                                           QStringLiteral("--theme"), QStringLiteral("comuni"), QStringLiteral("--field"),
-                                           QStringLiteral("_02010"), QStringLiteral("--method"), method,
-                                           QStringLiteral("--classes"), QString::number(classes)},
-                                          &out, &err);
+        const int code = test::runProgram(
+            QStringLiteral(MERVOLA_CLI),
+            {QStringLiteral("classify"), QStringLiteral("--home"), m_home, QStringLiteral("--theme"),
+             QStringLiteral("comuni"), QStringLiteral("--field"), QStringLiteral("_02010"), QStringLiteral("--method"),
+             method, QStringLiteral("--classes"), QString::number(classes)},
+            &out, &err);
         if (code != 0)
             qWarning("%s", qPrintable(err));
         return QJsonDocument::fromJson(out.toUtf8()).object();
@@ -39,7 +40,8 @@ private slots:
     {
         m_home = m_dir.filePath(QStringLiteral("home"));
         QVERIFY(test::copyRealAtlas(m_home));
-        Result<FieldColumn> c = readFieldColumn(m_home + QStringLiteral("/italia/comuni.dbf"), QStringLiteral("_02010"));
+        Result<FieldColumn> c =
+            readFieldColumn(m_home + QStringLiteral("/italia/comuni.dbf"), QStringLiteral("_02010"));
         QVERIFY(c.ok());
         m_population = *c;
     }
@@ -95,9 +97,9 @@ private slots:
     {
         QString err;
         QVERIFY(test::runProgram(QStringLiteral(MERVOLA_CLI),
-                                 {QStringLiteral("classify"), QStringLiteral("--home"), m_home, QStringLiteral("--theme"),
-                                  QStringLiteral("comuni"), QStringLiteral("--field"), QStringLiteral("_02010"),
-                                  QStringLiteral("--method"), QStringLiteral("jenks")},
+                                 {QStringLiteral("classify"), QStringLiteral("--home"), m_home,
+                                  QStringLiteral("--theme"), QStringLiteral("comuni"), QStringLiteral("--field"),
+                                  QStringLiteral("_02010"), QStringLiteral("--method"), QStringLiteral("jenks")},
                                  nullptr, &err) != 0);
         QCOMPARE(err, QStringLiteral("mervola-cli: --method deve essere quantile, regolari, unico o naturali\n"));
     }
