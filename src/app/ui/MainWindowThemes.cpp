@@ -158,6 +158,7 @@ void MainWindow::printMap()
     pageContent.extent = m_map->extent();
     // The page prints the legend exactly as the panel shows it.
     pageContent.legend = m_legend->entries();
+    addFitTexts(pageContent.legend, pageContent.model);
     openMapPrintPage(this, pageContent);
 }
 

@@ -26,6 +26,8 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
 
 namespace mervola {
 
@@ -39,6 +41,7 @@ void AttributeTableHost::openChart(QWidget *parent, const DbfWindowState &state,
     openChartFor(parent, state, field, typeIndex, threeD);
 }
 void AttributeTableHost::printTable(const DbfWindowState &) { showMessage(MsgStyle::Information, texts::kNotAvailable); }
+void AttributeTableHost::highlightRecords(const QString &, const std::vector<int> &) {}
 void AttributeTableHost::openJoin(const QString &) { showMessage(MsgStyle::Information, texts::kNotAvailable); }
 
 namespace {
@@ -132,7 +135,7 @@ FrmDbf::FrmDbf(AttributeTableHost &host, DbfWindowSource source, QWidget *parent
                     for (const QModelIndex &i : selected.indexes())
                         if (!m_selectionOrder.contains(i.row()))
                             m_selectionOrder.append(i.row());
-                    m_timer->start();
+                    selectionChanged();
                 });
     }
 
@@ -294,7 +297,50 @@ void FrmDbf::refreshStatus()
         m_infoSel->setText(m_table->statusText());
 }
 
-void FrmDbf::updateSelectionCount() { m_countSel->setText(QString::number(selectedRows().size())); }
+void FrmDbf::updateSelectionCount()
+{
+    m_countSel->setText(QString::number(selectedRows().size()));
+    followChart();
+}
+
+void FrmDbf::selectionChanged()
+{
+    // The map follows at once; the count and the chart after a short pause.
+    std::vector<int> records;
+    records.reserve(size_t(m_selectionOrder.size()));
+    for (int row : std::as_const(m_selectionOrder))
+        if (row >= 0 && row < m_table->shownCount())
+            records.push_back(m_table->rows()[size_t(row)]);
+    std::sort(records.begin(), records.end());
+    m_host.highlightRecords(m_source.layerName, records);
+    m_timer->start();
+}
+
+void FrmDbf::followChart()
+{
+    // A chart opened from this window redraws for the new selection while
+    // the selection stays within what a chart can show (1 to 10 rows).
+    const int count = int(selectedRows().size());
+    if (m_chartField.isEmpty() || count < 1 || count > 10)
+        return;
+    for (FrmGrafico *chart : findChildren<FrmGrafico *>())
+        if (chart->isVisible())
+            chart->setSeriesFor(windowState(), m_chartField);
+}
+
+bool FrmDbf::selectRecord(int record)
+{
+    if (!m_table)
+        return false;
+    const auto &rows = m_table->rows();
+    const auto it = std::find(rows.begin(), rows.end(), record);
+    if (it == rows.end())
+        return false;
+    const int row = int(it - rows.begin());
+    m_grid->selectRow(row);
+    m_grid->scrollTo(m_model->index(row, 0), QAbstractItemView::PositionAtCenter);
+    return true;
+}
 
 QList<int> FrmDbf::selectedRows() const { return m_selectionOrder; }
 
@@ -427,14 +473,19 @@ void FrmDbf::showChart()
         showMessage(MsgStyle::Information, texts::kNoneSelected);
         return;
     }
-    m_host.openChart(this, windowState(), m_numeric->currentData().toString(), m_chartType->currentIndex(),
-                     m_dimension->checkedId() == 0);
+    m_chartField = m_numeric->currentData().toString();
+    m_host.openChart(this, windowState(), m_chartField, m_chartType->currentIndex(), m_dimension->checkedId() == 0);
 }
 
 void FrmDbf::closeEvent(QCloseEvent *event)
 {
     m_host.attributeWindowClosed();
     event->accept();
+}
+
+FrmDbf *currentAttributeWindow()
+{
+    return openWindow();
 }
 
 FrmDbf *openAttributeTable(QWidget *parent, AttributeTableHost &host, const DbfWindowSource &source)

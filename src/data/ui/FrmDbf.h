@@ -44,6 +44,10 @@ public:
                            const QStringList &keyValues) = 0;
     // The window closed: enable the "dbf" button again, raise the main window.
     virtual void attributeWindowClosed() = 0;
+    // The rows selected in the table changed: highlight these records
+    // (feature numbers) of `layerName` on the map at once, without moving
+    // the view. Nothing by default.
+    virtual void highlightRecords(const QString &layerName, const std::vector<int> &records);
     // Windows opened from the table, over the table window `parent`: by
     // default the statistics and chart windows; printing and the join say
     // they are not available yet.
@@ -77,6 +81,11 @@ public:
     // Opens the table query; the query dialog by default (tests replace it).
     std::function<void(FrmDbf &)> openQuery;
 
+    // Selects the grid row of a record (an element clicked on the map) and
+    // scrolls to it; false when the record is not among the rows shown.
+    bool selectRecord(int record);
+    QString layerName() const { return m_source.layerName; }
+
     // Called by the table query after a filter was set or dropped.
     void queryApplied(bool found);
     // The column set-up: captions, DUMMY and the category's columns, widths kept.
@@ -99,6 +108,8 @@ private:
     void showChart();
     void fillChartTypes();
     void updateSelectionCount();
+    void selectionChanged();
+    void followChart();
     QList<int> selectedRows() const;
 
     AttributeTableHost &m_host;
@@ -122,11 +133,14 @@ private:
     QComboBox *m_numeric = nullptr;
     QLabel *m_countSel = nullptr;
     QTimer *m_timer = nullptr;
+    QString m_chartField; // indicator of the chart opened from this window
 };
 
 // Opens the attribute table window of a theme (or raises the one already
 // open) and shows it without blocking. Returns nullptr, after the message,
 // when the table cannot be read.
 FrmDbf *openAttributeTable(QWidget *parent, AttributeTableHost &host, const DbfWindowSource &source);
+// The attribute table window open now, or nullptr.
+FrmDbf *currentAttributeWindow();
 
 }  // namespace mervola
