@@ -5,6 +5,7 @@
 #include "app/RegionSwitch.h"
 #include "app/Startup.h"
 #include "app/TemaLabel.h"
+#include "app/ThemeLegend.h"
 #include "app/ui/FrmLabelProperties.h"
 #include "app/ui/ThemeClassification.h"
 #include "app/ThemeStyle.h"
@@ -281,6 +282,7 @@ void MainWindow::showElementInfo(QPointF mapPoint)
     if (auto rows = db.query(QStringLiteral("SELECT * FROM CATEGORIE ORDER BY [Codice Categoria]")))
         for (const auto &r : rows->rows)
             categories << r.back().toString();
+    selectInTable(found);
     FrmInfor info(m_legend->activeLayerName(), std::move(found), categories, db, this);
     info.exec();
     m_map->refresh();
