@@ -1,7 +1,11 @@
 #pragma once
-// Helpers of the window tests: answering modal windows, choosing in lists,
-// mouse double clicks, the text of a printed PDF and screenshots.
+// Helpers of the window tests: the main window shown, answering modal
+// windows, choosing in lists, mouse double clicks, legend entries, the
+// highlight colour on a picture, the text of a printed PDF and screenshots.
 
+#include "app/ui/MainWindow.h"
+#include "classify/ui/ClassificationDialog.h"
+#include "platform/ui/LegendView.h"
 #include "support/TestSupport.h"
 
 #include <QApplication>
@@ -30,6 +34,37 @@ template <class T> void whenModal(std::function<void(T *)> fn, int tries = 400)
         if (tries > 0)
             whenModal<T>(fn, tries - 1);
     });
+}
+
+// Loads the main window and shows it at 1000 x 700.
+inline bool showLoaded(MainWindow &w)
+{
+    if (!w.load())
+        return false;
+    w.resize(1000, 700);
+    w.show();
+    return QTest::qWaitForWindowExposed(&w);
+}
+
+inline int legendIndex(const LegendView *legend, const QString &layer)
+{
+    for (int i = 0; i < legend->entryCount(); ++i)
+        if (legend->layerNameAt(i) == layer)
+            return i;
+    return -1;
+}
+
+// Pixels in the highlight colour (pure yellow).
+inline int yellowPixels(const QImage &image)
+{
+    int n = 0;
+    const QImage rgb = image.convertToFormat(QImage::Format_RGB32);
+    for (int y = 0; y < rgb.height(); ++y)
+        for (int x = 0; x < rgb.width(); ++x) {
+            const QRgb p = rgb.pixel(x, y);
+            n += qRed(p) >= 250 && qGreen(p) >= 250 && qBlue(p) <= 10;
+        }
+    return n;
 }
 
 // Picks an entry of a list box by its text, as a user's choice (activated).
@@ -62,6 +97,18 @@ inline void snapshot(QWidget *w, const QString &name)
     const QString dir = qEnvironmentVariable("MERVOLA_SCREENSHOT_DIR");
     if (!dir.isEmpty())
         w->window()->grab().save(dir + QLatin1Char('/') + name + QStringLiteral(".png"));
+}
+
+// Opens the classification window of `layer` by double-clicking its legend
+// entry and runs `fn` in it.
+inline void classifyThroughLegend(MainWindow &w, const QString &layer,
+                                  std::function<void(classify::ClassificationDialog *)> fn)
+{
+    LegendView *legend = w.legend();
+    const int index = legendIndex(legend, layer);
+    QVERIFY2(index >= 0, qPrintable(layer));
+    whenModal<classify::ClassificationDialog>(fn);
+    doubleClick(legend->viewport(), legend->visualItemRect(legend->topLevelItem(index)).center());
 }
 
 } // namespace mervola::test

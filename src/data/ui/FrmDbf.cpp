@@ -19,6 +19,7 @@
 #include <QPointer>
 #include <QPrinterInfo>
 #include <QPushButton>
+#include <QSet>
 #include <QRadioButton>
 #include <QStatusBar>
 #include <QStyle>
@@ -130,11 +131,21 @@ FrmDbf::FrmDbf(AttributeTableHost &host, DbfWindowSource source, QWidget *parent
         connect(m_grid->horizontalHeader(), &QHeaderView::sectionClicked, this, &FrmDbf::columnClicked);
         connect(m_grid->selectionModel(), &QItemSelectionModel::selectionChanged, this,
                 [this](const QItemSelection &selected, const QItemSelection &deselected) {
-                    for (const QModelIndex &i : deselected.indexes())
-                        m_selectionOrder.removeAll(i.row());
-                    for (const QModelIndex &i : selected.indexes())
-                        if (!m_selectionOrder.contains(i.row()))
-                            m_selectionOrder.append(i.row());
+                    // Row sets, not list scans: selecting thousands of rows
+                    // (one index per cell) stays instant.
+                    QSet<int> gone;
+                    for (const QItemSelectionRange &r : deselected)
+                        for (int row = r.top(); row <= r.bottom(); ++row)
+                            gone.insert(row);
+                    if (!gone.isEmpty())
+                        m_selectionOrder.removeIf([&gone](int row) { return gone.contains(row); });
+                    QSet<int> have(m_selectionOrder.cbegin(), m_selectionOrder.cend());
+                    for (const QItemSelectionRange &r : selected)
+                        for (int row = r.top(); row <= r.bottom(); ++row)
+                            if (!have.contains(row)) {
+                                have.insert(row);
+                                m_selectionOrder.append(row);
+                            }
                     selectionChanged();
                 });
     }

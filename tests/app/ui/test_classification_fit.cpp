@@ -13,6 +13,7 @@
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
 #include "print/ui/FrmStampaNew.h"
+#include "support/FitSupport.h"
 #include "support/UiSupport.h"
 
 #include <QCheckBox>
@@ -22,20 +23,15 @@
 #include <QTemporaryDir>
 
 using namespace mervola;
+using mervola::test::classifyThroughLegend;
+using mervola::test::legendIndex;
+using mervola::test::showLoaded;
 using namespace mervola::classify;
 
 namespace
 {
 
 const QString kPopulation = QStringLiteral("Popolazione residente 2022");
-
-int legendIndex(const LegendView *legend, const QString &layer)
-{
-    for (int i = 0; i < legend->entryCount(); ++i)
-        if (legend->layerNameAt(i) == layer)
-            return i;
-    return -1;
-}
 
 // GVF written out: every value in the first class whose upper limit (the
 // number after " - " in the grid) is not below it, else in the last.
@@ -44,25 +40,7 @@ double directGvf(const std::vector<double> &values, const QStringList &valueText
     std::vector<double> uppers;
     for (const QString &t : valueTexts)
         uppers.push_back(QLocale(QLocale::Italian).toDouble(t.section(QStringLiteral(" - "), 1)));
-    std::vector<std::vector<double>> groups(uppers.size());
-    for (double v : values) {
-        size_t c = 0;
-        while (c + 1 < uppers.size() && v > uppers[c])
-            ++c;
-        groups[c].push_back(v);
-    }
-    auto ssd = [](const std::vector<double> &g) {
-        double mean = 0, s = 0;
-        for (double v : g)
-            mean += v / double(g.size());
-        for (double v : g)
-            s += (v - mean) * (v - mean);
-        return s;
-    };
-    double within = 0;
-    for (const auto &g : groups)
-        within += g.empty() ? 0 : ssd(g);
-    return 1 - within / ssd(values);
+    return test::gvfByUpperLimits(values, uppers);
 }
 
 QString twoDecimals(double v)
@@ -86,24 +64,6 @@ class TestClassificationFit : public QObject
     QTemporaryDir m_dir;
     AtlasHome m_home;
     std::vector<double> m_population; // the comuni values, ascending
-
-    bool showLoaded(MainWindow &w)
-    {
-        if (!w.load())
-            return false;
-        w.resize(1000, 700);
-        w.show();
-        return QTest::qWaitForWindowExposed(&w);
-    }
-
-    void classifyThroughLegend(MainWindow &w, const QString &layer, std::function<void(ClassificationDialog *)> fn)
-    {
-        LegendView *legend = w.legend();
-        const int index = legendIndex(legend, layer);
-        QVERIFY2(index >= 0, qPrintable(layer));
-        test::whenModal<ClassificationDialog>(fn);
-        test::doubleClick(legend->viewport(), legend->visualItemRect(legend->topLevelItem(index)).center());
-    }
 
 private slots:
     void initTestCase()

@@ -20,29 +20,11 @@
 #include <QTemporaryDir>
 
 using namespace mervola;
+using mervola::test::legendIndex;
+using mervola::test::yellowPixels;
 
 namespace
 {
-
-int legendIndex(const LegendView *legend, const QString &layer)
-{
-    for (int i = 0; i < legend->entryCount(); ++i)
-        if (legend->layerNameAt(i) == layer)
-            return i;
-    return -1;
-}
-
-int yellowPixels(const QImage &image)
-{
-    int n = 0;
-    const QImage rgb = image.convertToFormat(QImage::Format_RGB32);
-    for (int y = 0; y < rgb.height(); ++y)
-        for (int x = 0; x < rgb.width(); ++x) {
-            const QRgb p = rgb.pixel(x, y);
-            n += qRed(p) >= 250 && qGreen(p) >= 250 && qBlue(p) <= 10;
-        }
-    return n;
-}
 
 // Clicks a grid row, with Shift held to extend the selection.
 void clickRow(QTableView *grid, int row, Qt::KeyboardModifiers modifiers = {})
@@ -72,11 +54,7 @@ class TestLinkedSelection : public QObject
     // The main window on the real atlas with the table of `layer` open.
     FrmDbf *openTable(MainWindow &w, const QString &layer)
     {
-        if (!w.load())
-            return nullptr;
-        w.resize(1000, 700);
-        w.show();
-        if (!QTest::qWaitForWindowExposed(&w))
+        if (!test::showLoaded(w))
             return nullptr;
         const int index = legendIndex(w.legend(), layer);
         w.legend()->topLevelItem(index)->setCheckState(0, Qt::Checked); // the theme shown
@@ -127,6 +105,15 @@ private slots:
         QCOMPARE(w.mapWidget()->extent(), before);
         QCOMPARE(w.mapWidget()->renderCount(), renders);
         test::snapshot(&w, QStringLiteral("cinquanta-comuni"));
+
+        // Thousands of rows: every one highlighted, the themes still not redrawn.
+        clickRow(table->grid(), 2999, Qt::ShiftModifier);
+        QCOMPARE(comuni->selection.size(), std::size_t(3000));
+        QCOMPARE(comuni->selection, selectedRecords(*table));
+        QTRY_VERIFY(yellowPixels(w.mapWidget()->grab().toImage()) > 0);
+        QCOMPARE(w.mapWidget()->renderCount(), renders);
+        clickRow(table->grid(), 0);
+        clickRow(table->grid(), 49, Qt::ShiftModifier);
 
         // Fewer rows: fewer highlighted elements; none selected, none drawn.
         const int fifty = yellowPixels(w.mapWidget()->grab().toImage());

@@ -6,6 +6,7 @@
 #include "classify/ui/FrmModFlx.h"
 #include "classify/ui/LegendEditor.h"
 #include "platform/Messages.h"
+#include "support/FitSupport.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -48,27 +49,13 @@ FieldColumn oneToTwenty(const QString &field)
 // limits, computed here value by value.
 QString expectedGvf(const QTableWidget *grid)
 {
-    std::vector<double> uppers;
+    std::vector<double> uppers, values;
     for (int row = 0; row < grid->rowCount(); ++row)
         uppers.push_back(grid->item(row, 1)->text().section(QStringLiteral(" - "), 1).toDouble());
-    std::vector<double> sum(uppers.size(), 0), sq(uppers.size(), 0), n(uppers.size(), 0);
-    double total = 0, totalSq = 0;
-    for (int v = 1; v <= 20; ++v) {
-        size_t c = 0;
-        while (c + 1 < uppers.size() && v > uppers[c])
-            ++c;
-        sum[c] += v;
-        sq[c] += v * v;
-        n[c] += 1;
-        total += v;
-        totalSq += v * v;
-    }
-    double within = 0;
-    for (size_t c = 0; c < uppers.size(); ++c)
-        if (n[c] > 0)
-            within += sq[c] - sum[c] * sum[c] / n[c];
-    const double fit = 1 - within / (totalSq - total * total / 20);
-    return QStringLiteral("Bontà dell'adattamento (GVF): ") + QLocale(QLocale::Italian).toString(fit, 'f', 2);
+    for (int v = 1; v <= 20; ++v)
+        values.push_back(v);
+    return QStringLiteral("Bontà dell'adattamento (GVF): ") +
+           QLocale(QLocale::Italian).toString(test::gvfByUpperLimits(values, uppers), 'f', 2);
 }
 
 // Saves a picture of the widget when MERVOLA_SCREENSHOT_DIR is set.
