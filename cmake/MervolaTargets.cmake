@@ -3,15 +3,16 @@
 
 set(MERVOLA_AREAS "")
 
-# mervola_area(NAME DEPS ...): static library from src/NAME/*.cpp (not ui/).
+# mervola_area(NAME DEPS ...): static library from src/NAME/*.cpp (not ui/,
+# nor gdal/: code that calls GDAL goes to a library of its own).
 function(mervola_area name)
   cmake_parse_arguments(A "" "" "DEPS" ${ARGN})
   file(GLOB srcs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp
                                    ${PROJECT_SOURCE_DIR}/src/${name}/*/*.cpp)
-  list(FILTER srcs EXCLUDE REGEX "/src/${name}/ui/")
+  list(FILTER srcs EXCLUDE REGEX "/src/${name}/(ui|gdal)/")
   file(GLOB hdrs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.h
                                    ${PROJECT_SOURCE_DIR}/src/${name}/*/*.h)
-  list(FILTER hdrs EXCLUDE REGEX "/src/${name}/ui/")
+  list(FILTER hdrs EXCLUDE REGEX "/src/${name}/(ui|gdal)/")
   if(NOT srcs)
     set(srcs ${PROJECT_SOURCE_DIR}/cmake/empty.cpp)
   endif()
@@ -41,17 +42,23 @@ function(mervola_widgets_library)
   target_precompile_headers(mervola_widgets PRIVATE <QtWidgets/QtWidgets>)
 endfunction()
 
-# The helpers every test uses, compiled once: tests/support/*.cpp.
+# The helpers every test uses, compiled once: tests/support/*.cpp. The
+# library also carries the one precompiled header of Qt Test and Qt Widgets
+# that every test reuses; for that every test sees the same libraries and
+# definitions (those of mervola_widgets, which holds all the others).
 function(mervola_test_support_library)
   file(GLOB srcs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/support/*.cpp)
   add_library(mervola_testsupport STATIC ${srcs})
   target_include_directories(mervola_testsupport PUBLIC ${PROJECT_SOURCE_DIR}/tests)
-  target_link_libraries(mervola_testsupport PUBLIC Qt6::Core Qt6::Test)
+  target_link_libraries(mervola_testsupport PUBLIC mervola_widgets Qt6::Test)
   target_compile_definitions(mervola_testsupport PUBLIC
     MERVOLA_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
     MERVOLA_BINARY_DIR="${PROJECT_BINARY_DIR}"
     MERVOLA_CLI="$<TARGET_FILE:mervola-cli>"
-    MERVOLA_APP="$<TARGET_FILE_DIR:mervola-cli>/mervola")
+    MERVOLA_APP="$<TARGET_FILE_DIR:mervola-cli>/mervola"
+    MERVOLA_TEST_VERSION="${PROJECT_VERSION}")
+  target_precompile_headers(mervola_testsupport PRIVATE <QtTest> <QtWidgets/QtWidgets> <QString> <QStringList>
+    <vector> <memory>)
   add_dependencies(mervola_testsupport mervola-cli)
 endfunction()
 
@@ -60,6 +67,7 @@ function(add_mervola_test name)
   cmake_parse_arguments(T "NEEDS_GUI" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${T_SOURCES})
   target_link_libraries(${name} PRIVATE ${T_LIBS} mervola_testsupport Qt6::Test)
+  target_precompile_headers(${name} REUSE_FROM mervola_testsupport)
   add_test(NAME ${name} COMMAND ${name})
   set(env "QT_QPA_PLATFORM=offscreen;ASAN_OPTIONS=detect_leaks=0")
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "${env}" TIMEOUT 600)

@@ -5,7 +5,7 @@ set -e
 PKGS="build-essential cmake ninja-build ccache pkg-config \
  qt6-base-dev qt6-svg-dev qt6-charts-dev qt6-datavisualization-dev qt6-declarative-dev \
  libqt6svg6 qt6-qpa-plugins libgl-dev \
- libgdal-dev gdal-bin libsqlite3-dev sqlite3 mdbtools-dev mdbtools \
+ libgdal-dev gdal-bin libsqlite3-dev sqlite3 mdbtools-dev mdbtools zlib1g-dev \
  libbenchmark-dev xvfb xauth fonts-dejavu-core fonts-liberation2 poppler-utils"
 missing=""
 for p in $PKGS; do

@@ -36,45 +36,52 @@ int insertionIndex(const map::MapModel &model)
     return above;
 }
 
-// Reads one theme from italia/ with the settings of its file in supporto/,
-// ready to go on the map.
-Result<map::MapLayer> readTheme(const AtlasHome &home, const QString &theme)
+// The region box's way: the pristine table back into italia/, so the region
+// always opens with its own data, and the working settings file of supporto/
+// (its WORKSPACE set to the home's own italia/ folder).
+Result<RegionTheme> fromHome(const AtlasHome &home, const QString &theme)
 {
-    // The pristine table, so the region always opens with its own data.
     if (Status st = restoreThemeTable(home, theme); !st)
         return st.error();
-
+    RegionTheme t;
+    t.shapefile = resolveCaseInsensitive(home.italia(), theme + QStringLiteral(".shp"));
     const QString ini = iniOf(home, theme);
-    std::optional<ThemeSettings> settings;
     if (QFileInfo(ini).isFile()) {
-        // The themes always come from the atlas home's own italia/ folder.
         auto loaded = loadThemeFile(ini, theme, ThemeLoadOptions{home.root(), true});
         if (!loaded)
             return loaded.error();
-        settings = loaded->settings;
+        t.settings = loaded->settings;
     }
+    return t;
+}
 
-    const QString shp = resolveCaseInsensitive(home.italia(), theme + QStringLiteral(".shp"));
+// Reads one theme with its settings, ready to go on the map and shown.
+Result<map::MapLayer> readTheme(const AtlasHome &home, const QString &theme, const RegionThemeSource &source)
+{
+    auto found = source ? source(theme) : fromHome(home, theme);
+    if (!found)
+        return found.error();
     map::MapModel scratch;
-    auto layer = scratch.addShapefile(shp, theme);
-    if (!layer && layer.error().code == kDamagedFile && repairThemeTable(home, theme))
-        layer = scratch.addShapefile(shp, theme);
+    auto layer = scratch.addShapefile(found->shapefile, theme);
+    if (!layer && !source && layer.error().code == kDamagedFile && repairThemeTable(home, theme))
+        layer = scratch.addShapefile(found->shapefile, theme);
     if (!layer)
         return layer.error();
-    if (settings)
-        applyThemeSettings(**layer, *settings);
+    if (found->settings)
+        applyThemeSettings(**layer, *found->settings);
+    (*layer)->visible = true;
     return std::move(**layer);
 }
 
 // Steps 1 to 4 of a switch. The new themes are read completely before the
 // map is touched, so most failures leave it as it was.
 Result<RegionSwitchResult> switchSteps(map::MapModel &model, const AtlasHome &home, const RegionEntry &region,
-                                       AppState &state)
+                                       AppState &state, const RegionThemeSource &source)
 {
     RegionSwitchResult result;
     std::vector<map::MapLayer> fresh;
     for (const QString &theme : regionThemes(region.code)) {
-        auto layer = readTheme(home, theme);
+        auto layer = readTheme(home, theme, source);
         if (!layer)
             return layer.error();
         fresh.push_back(std::move(*layer));
@@ -86,7 +93,8 @@ Result<RegionSwitchResult> switchSteps(map::MapModel &model, const AtlasHome &ho
         const QString name = model.layer(i).name;
         const QString upper = name.toUpper();
         if (upper.startsWith(QLatin1String("COMM")) || upper.startsWith(QLatin1String("CMON"))) {
-            if (Status st = RemoveLabels(model, name, iniOf(home, name)); !st)
+            // With a caller's own source nothing is recorded in supporto/.
+            if (Status st = RemoveLabels(model, name, source ? QString() : iniOf(home, name)); !st)
                 return st.error();
         }
     }
@@ -164,13 +172,13 @@ std::optional<map::MapRect> regionExtent(const map::MapModel &model, const Regio
 }
 
 Result<RegionSwitchResult> switchRegion(map::MapModel &model, const AtlasHome &home, const RegionEntry &region,
-                                        AppState &state)
+                                        AppState &state, const RegionThemeSource &source)
 {
     // A switch happens whole or not at all: on failure the map, the region
     // code and the indicator are put back as they were.
     const map::MapModel before = model;
     const QString regionBefore = state.regionCode, indicatorBefore = state.indicatorField;
-    auto result = switchSteps(model, home, region, state);
+    auto result = switchSteps(model, home, region, state, source);
     if (!result) {
         model = before;
         state.regionCode = regionBefore;

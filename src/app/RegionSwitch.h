@@ -11,8 +11,10 @@
 #include "platform/AtlasHome.h"
 #include "platform/Result.h"
 #include "map/MapModel.h"
+#include "project/ThemeSettings.h"
 
 #include <QStringList>
+#include <functional>
 #include <optional>
 
 namespace mervola {
@@ -34,6 +36,19 @@ QString regionSearchExpression(const QString &regionName);
 // the region is not found.
 std::optional<map::MapRect> regionExtent(const map::MapModel &model, const RegionEntry &region);
 
+// Where a region theme comes from: the shapefile to read (with the pristine
+// table beside it) and the settings to apply (nullopt: none).
+struct RegionTheme {
+    QString shapefile;
+    std::optional<ThemeSettings> settings;
+};
+// By default, as the region box does it, each theme's pristine table is first
+// copied back into italia/ and its working settings file in supporto/ is
+// applied. A caller that must leave the atlas home untouched (the
+// command-line renderer) gives its own source; the labels switchRegion
+// removes are then not recorded in supporto/ either.
+using RegionThemeSource = std::function<Result<RegionTheme>(const QString &theme)>;
+
 struct RegionSwitchResult {
     QStringList removed;                // layers taken off the map
     QStringList added;                  // layers added, municipalities first
@@ -41,10 +56,12 @@ struct RegionSwitchResult {
 };
 
 // Switches the map to `region`. Updates the state's region code (and resets
-// the indicator field to "I000" for the whole country). Fails when a theme's
-// table cannot be restored, its settings file written or its shapefile read;
-// the map, region code and indicator are then exactly as before.
+// the indicator field to "I000" for the whole country). The new themes are
+// shown even when their settings keep them hidden: a region is chosen to be
+// seen. Fails when a theme's table cannot be restored, its settings file
+// written or its shapefile read; the map, region code and indicator are then
+// exactly as before.
 Result<RegionSwitchResult> switchRegion(map::MapModel &model, const AtlasHome &home, const RegionEntry &region,
-                                        AppState &state);
+                                        AppState &state, const RegionThemeSource &source = {});
 
 }  // namespace mervola

@@ -145,6 +145,11 @@ Status buildAtlasFromSources(AtlasSources sources, const QString &homeArg, const
     if (progress) {
         for (const QString &n : model->notes)
             progress(QStringLiteral("Nota: ") + n);
+        if (!model->gaps.isEmpty()) {
+            progress(QStringLiteral("Lacune dei dati di origine:"));
+            for (const QString &g : model->gaps)
+                progress(QStringLiteral("  ") + g);
+        }
         progress(QStringLiteral("Atlante creato in %1: %2 comuni, %3 comunità montane.")
                      .arg(home)
                      .arg(model->sources.comuni.size())

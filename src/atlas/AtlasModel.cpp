@@ -1,5 +1,7 @@
 #include "atlas/AtlasModel.h"
 
+#include "atlas/SourceGaps.h"
+
 #include <QHash>
 
 namespace mervola::atlas {
@@ -16,6 +18,9 @@ std::vector<ClusterInput> clusterInputs(const AtlasSources &sources)
         c.regionCode = m.regionCode;
         c.mountain = isMountainMunicipality(m.attributes.value(QStringLiteral("comune_montano")),
                                             m.attributes.value(QStringLiteral("zona_altimetrica")));
+        c.capital = sources.capitalCodes.contains(m.code);
+        // The population the atlas shows as I010 (residents 2022).
+        c.population = number(m.attributes, QStringLiteral("pop_residente_2022")).value_or(0);
         c.hasShape = !m.shape.empty();
         c.x = meanX(m.shape);
         c.neighbours = m.neighbours;
@@ -115,6 +120,8 @@ Result<AtlasModel> buildModel(AtlasSources sources, const std::optional<SourceTa
         model.capitalPoints.push_back(std::move(point));
     }
     model.notes << src.notes;
+    report(QStringLiteral("Controllo delle lacune dei dati di origine"));
+    model.gaps = sourceGapNotes(model);
     return model;
 }
 

@@ -23,6 +23,7 @@ struct AtlasModel {
     std::vector<int> capitals;        // indexes into sources.comuni
     std::vector<GeometryPtr> capitalPoints;
     QStringList notes;
+    QStringList gaps;  // what the sources lack (sourceGapNotes)
 };
 
 // Projects the sources, derives (or reads from `membership`) the mountain

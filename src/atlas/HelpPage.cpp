@@ -25,7 +25,7 @@ QString indicatorTable()
 QString helpPageHtml(const AtlasModel &model, bool demo)
 {
     QString notes;
-    for (const QString &n : model.notes)
+    for (const QString &n : model.gaps + model.notes)
         notes += QStringLiteral("<li>%1</li>\n").arg(esc(n));
     const QString origin =
         demo ? QStringLiteral("<p><b>Atlante dimostrativo</b>: regioni, comuni e valori sono sintetici e servono "

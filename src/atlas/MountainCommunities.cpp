@@ -18,6 +18,12 @@ bool isMountainMunicipality(const QString &comuneMontano, const QString &zonaAlt
     return z == QLatin1String("1") || z == QLatin1String("2");
 }
 
+bool mayJoinCommunity(const ClusterInput &m)
+{
+    return m.mountain && m.hasShape && !m.capital && m.population <= kMaxMemberPopulation &&
+           m.regionCode != QLatin1String(kRegionWithoutCommunities);
+}
+
 namespace {
 
 using Cluster = std::vector<int>;
@@ -114,9 +120,8 @@ std::vector<Community> deriveCommunities(const std::vector<ClusterInput> &in, in
 {
     std::map<QString, std::vector<int>> byProvince;
     for (size_t i = 0; i < in.size(); ++i) {
-        const ClusterInput &m = in[i];
-        if (m.mountain && m.hasShape && m.regionCode != QLatin1String(kRegionWithoutCommunities))
-            byProvince[m.provinceCode].push_back(static_cast<int>(i));
+        if (mayJoinCommunity(in[i]))
+            byProvince[in[i].provinceCode].push_back(static_cast<int>(i));
     }
     std::vector<Community> out;
     for (const auto &[province, eligible] : byProvince) {

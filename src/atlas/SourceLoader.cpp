@@ -68,8 +68,6 @@ Status loadMunicipalities(const QString &folder, const SourceTable &csv, AtlasSo
             m.provinceName = m.attributes.value(QStringLiteral("provincia"));
             m.regionCode = m.attributes.value(QStringLiteral("cod_regione"));
             m.shape = std::move(feature.shape);
-            if (m.shape.empty())
-                out.notes << QStringLiteral("Comune senza geometria, record mantenuto: %1 (%2)").arg(m.name, m.code);
             for (int n : adjacency[f])
                 m.neighbours.push_back(n + offset);
             out.comuni.push_back(std::move(m));

@@ -12,7 +12,7 @@ int cmdBuildAtlas(const QStringList &args)
 {
     const QString home = option(args, QStringLiteral("--home"));
     if (home.isEmpty())
-        return fail(QStringLiteral("indicare la cartella dell'atlante con --home"));
+        return usageError(QStringLiteral("indicare la cartella dell'atlante con --home"));
     auto progress = [](const QString &text) { std::fprintf(stdout, "%s\n", text.toUtf8().constData()); };
     QElapsedTimer timer;
     timer.start();
@@ -25,7 +25,7 @@ int cmdBuildAtlas(const QStringList &args)
         options.home = home;
         options.membership = option(args, QStringLiteral("--membership"));
         if (options.sources.isEmpty())
-            return fail(QStringLiteral("indicare la cartella dei dati di origine con --sources, oppure --demo"));
+            return usageError(QStringLiteral("indicare la cartella dei dati di origine con --sources, oppure --demo"));
         s = atlas::buildAtlas(options, progress);
     }
     if (!s)

@@ -17,16 +17,16 @@ int cmdClassify(const QStringList &args)
     const QString field = option(args, QStringLiteral("--field"));
     const QString method = methodFromName(option(args, QStringLiteral("--method")));
     if (theme.isEmpty() || field.isEmpty())
-        return fail(QStringLiteral("occorrono --theme e --field"));
+        return usageError(QStringLiteral("occorrono --theme e --field"));
     if (method.isEmpty())
-        return fail(QStringLiteral("--method deve essere quantile, regolari, unico o naturali"));
+        return usageError(QStringLiteral("--method deve essere quantile, regolari, unico o naturali"));
     int classes = 5;
     const QString classesArg = option(args, QStringLiteral("--classes"));
     if (!classesArg.isEmpty()) {
         bool ok = false;
         classes = classesArg.toInt(&ok);
         if (!ok || classes < 1)
-            return fail(QStringLiteral("--classes deve essere un numero intero positivo"));
+            return usageError(QStringLiteral("--classes deve essere un numero intero positivo"));
     }
     const int ramp = option(args, QStringLiteral("--ramp")).toInt();
 

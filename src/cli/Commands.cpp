@@ -5,51 +5,116 @@
 
 namespace mervola::cli {
 
+namespace {
+
+const char *const kBuildAtlasHelp =
+    "Costruisce un atlante (dati/, italia/, originali/, supporto/, mervola.html) nella cartella\n"
+    "indicata, dai dati di origine (confini, attributi dei comuni, capoluoghi) o, con --demo,\n"
+    "l'atlante dimostrativo di 94 comuni usato dalle prove. Una cartella non vuota che non\n"
+    "contiene un atlante non viene toccata; un atlante esistente è sostituito solo a lavoro finito.\n"
+    "\n"
+    "  --sources DIR         cartella dei dati di origine (comuni_attributi.csv, boundaries/)\n"
+    "  --home DIR            cartella dell'atlante da creare o sostituire\n"
+    "  --membership FILE     tabella CSV (codice ISTAT, codice comunità, nome) che sostituisce\n"
+    "                        la derivazione delle comunità montane\n"
+    "  --demo                atlante dimostrativo al posto dei dati di origine\n";
+
+const char *const kSqlHelp =
+    "Esegue un'istruzione SQL in stile Jet e scrive il risultato in CSV sullo standard output.\n"
+    "\n"
+    "  --folder DIR          una cartella di tabelle dBase (.dbf); SELECT ... INTO scrive un nuovo .dbf\n"
+    "  --home DIR            il database di riferimento dell'atlante (dati/mervola.sqlite)\n";
+
+const char *const kRenderHelp =
+    "Disegna la carta di un atlante in un file immagine. Il formato segue l'estensione:\n"
+    "png, bmp, emf, svg o pdf. Senza --project si usa il progetto iniziale dell'atlante.\n"
+    "L'atlante non viene modificato.\n"
+    "\n"
+    "  --home DIR            cartella dell'atlante (altrimenti $MERVOLA_HOME o la cartella XDG)\n"
+    "  --project FILE.rlx    progetto da disegnare\n"
+    "  --size LxA            dimensione in pixel (predefinita 1600x1200)\n"
+    "  --out FILE            file da scrivere\n"
+    "  --region NN           la regione NN (01-20, 00 = tutta l'Italia, oppure il nome come nella\n"
+    "                        casella \"Visualizza\"): i temi, l'estensione e la tabella delle\n"
+    "                        comunità montane che la casella sceglie per quella regione\n"
+    "  --all-regions DIR     una carta per regione più tutta l'Italia (21 file) nella cartella DIR,\n"
+    "                        con nomi come 00_italia.png, 01_piemonte.png, 02_valle_d_aosta.png\n"
+    "  --format FMT          formato dei file di --all-regions: png (predefinito), bmp, emf, svg, pdf\n";
+
+const char *const kClassifyHelp = "Calcola le classi di un campo di un tema con gli stessi metodi della finestra di\n"
+                                  "classificazione e le scrive in JSON sullo standard output (le domande prendono la\n"
+                                  "risposta predefinita). Esce con 1 se la classificazione è rifiutata.\n"
+                                  "\n"
+                                  "  --home DIR            cartella dell'atlante\n"
+                                  "  --theme NOME          tema (es. comuni, commont, comu_01)\n"
+                                  "  --field CAMPO         campo da classificare\n"
+                                  "  --method METODO       quantile, regolari, unico o naturali (limiti dell'utente)\n"
+                                  "  --classes N           numero di classi (predefinito 5)\n"
+                                  "  --ramp N              scala di colori\n";
+
+void printUsage(FILE *to)
+{
+    QTextStream out(to);
+    out << "Uso: mervola-cli COMANDO [opzioni]\n"
+           "     mervola-cli COMANDO --help\n"
+           "     mervola-cli --version\n\n"
+           "Comandi:\n";
+    for (const Command &c : commands())
+        out << "  mervola-cli " << c.usage << "\n";
+    out << "\nCodici di uscita: 0 riuscito, 1 operazione non riuscita, 2 riga di comando errata.\n";
+}
+
+}  // namespace
+
 const std::vector<Command> &commands()
 {
     static const std::vector<Command> list = {
-        {"build-atlas", "build-atlas --sources DIR --home DIR | build-atlas --demo --home DIR", cmdBuildAtlas},
-        {"sql", "sql (--folder DIR | --home DIR) \"ISTRUZIONE\"", cmdSql},
-        {"render", "render --home DIR [--project FILE] [--size LxA] --out FILE.{png,bmp,emf,svg,pdf}", cmdRender},
-        {"classify", "classify --home DIR --theme NOME --field CAMPO --method quantile|regolari|unico|naturali [--classes N] [--ramp N]", cmdClassify},
+        {"build-atlas", "build-atlas --sources DIR --home DIR [--membership FILE.csv] | build-atlas --demo --home DIR",
+         cmdBuildAtlas, kBuildAtlasHelp},
+        {"sql", "sql (--folder DIR | --home DIR) \"ISTRUZIONE\"", cmdSql, kSqlHelp},
+        {"render",
+         "render [--home DIR] [--project FILE.rlx] [--size LxA] (--out FILE [--region NN] | --all-regions DIR "
+         "[--format FMT])",
+         cmdRender, kRenderHelp},
+        {"classify",
+         "classify --home DIR --theme NOME --field CAMPO --method quantile|regolari|unico|naturali [--classes N] [--ramp N]",
+         cmdClassify, kClassifyHelp},
     };
     return list;
 }
 
-QString option(const QStringList &args, const QString &name)
+QString versionText(const QString &program)
 {
-    const int i = args.indexOf(name);
-    return i >= 0 && i + 1 < args.size() ? args[i + 1] : QString();
-}
-
-bool flag(const QStringList &args, const QString &name) { return args.contains(name); }
-
-int fail(const QString &message)
-{
-    std::fprintf(stderr, "mervola-cli: %s\n", message.toUtf8().constData());
-    return 2;
-}
-
-static void usage()
-{
-    QTextStream err(stderr);
-    err << "Uso: mervola-cli COMANDO [opzioni]\n";
-    for (const Command &c : commands())
-        err << "  mervola-cli " << c.usage << "\n";
+    return QStringLiteral("%1 %2").arg(program, QStringLiteral(MERVOLA_VERSION));
 }
 
 int run(const QStringList &arguments)
 {
-    if (arguments.size() < 2) {
-        usage();
-        return 2;
+    const QString name = arguments.value(1);
+    if (name == QLatin1String("--help") || name == QLatin1String("-h") || name == QLatin1String("help")) {
+        printUsage(stdout);
+        return kExitOk;
     }
-    const QString name = arguments[1];
-    for (const Command &c : commands())
-        if (name == QLatin1String(c.name))
-            return c.fn(arguments.mid(2));
-    usage();
-    return fail(QStringLiteral("comando sconosciuto: %1").arg(name));
+    if (name == QLatin1String("--version")) {
+        std::printf("%s\n", versionText(QStringLiteral("mervola-cli")).toUtf8().constData());
+        return kExitOk;
+    }
+    if (name.isEmpty()) {
+        printUsage(stderr);
+        return kExitUsage;
+    }
+    for (const Command &c : commands()) {
+        if (name != QLatin1String(c.name))
+            continue;
+        const QStringList args = arguments.mid(2);
+        if (args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"))) {
+            std::printf("Uso: mervola-cli %s\n%s%s", c.usage, c.help ? "\n" : "", c.help ? c.help : "");
+            return kExitOk;
+        }
+        return c.fn(args);
+    }
+    printUsage(stderr);
+    return usageError(QStringLiteral("comando sconosciuto: %1").arg(name));
 }
 
 }  // namespace mervola::cli

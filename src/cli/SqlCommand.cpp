@@ -133,12 +133,12 @@ int cmdSql(const QStringList &args)
     const QString home = option(args, QStringLiteral("--home"));
     const QString sql = statementOf(args);
     if (!folder.isEmpty() && !home.isEmpty())
-        return fail(QStringLiteral("indicare --folder oppure --home, non entrambi."));
+        return usageError(QStringLiteral("indicare --folder oppure --home, non entrambi."));
     if ((flag(args, QStringLiteral("--folder")) && folder.isEmpty()) ||
         (flag(args, QStringLiteral("--home")) && home.isEmpty()))
-        return fail(QStringLiteral("manca la cartella dopo --folder o --home."));
+        return usageError(QStringLiteral("manca la cartella dopo --folder o --home."));
     if (sql.trimmed().isEmpty())
-        return fail(QStringLiteral("manca l'istruzione SQL."));
+        return usageError(QStringLiteral("manca l'istruzione SQL."));
     return folder.isEmpty() ? runOnReferenceDb(home, sql) : runOnFolder(folder, sql);
 }
 

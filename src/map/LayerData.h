@@ -53,6 +53,9 @@ public:
     LayerData(const LayerData &) = delete;
     LayerData &operator=(const LayerData &) = delete;
 
+    // Reads a shapefile with the direct reader (ShapefileReader.h); one it
+    // leaves aside (a multipatch, another code page, other field types) goes
+    // to the foreign layer reader when one is set.
     static Result<std::shared_ptr<const LayerData>> loadShapefile(const QString &path);
 
     GeometryKind kind = GeometryKind::Polygon;
@@ -90,5 +93,11 @@ private:
 };
 
 using LayerDataPtr = std::shared_ptr<const LayerData>;
+
+// Reader of the shapefiles the direct reader leaves aside. Programs that
+// link GDAL set GDAL's (map/gdal/GdalLayerReader.h) at start-up; the command
+// line sets one that loads GDAL only when such a file comes.
+using ForeignLayerReader = Result<LayerDataPtr> (*)(const QString &path);
+void setForeignLayerReader(ForeignLayerReader reader);
 
 }  // namespace mervola::map

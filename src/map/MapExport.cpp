@@ -1,5 +1,6 @@
 #include "map/MapExport.h"
 
+#include "map/PngWriter.h"
 #include "map/emf/EmfDevice.h"
 
 #include <QFileInfo>
@@ -129,10 +130,10 @@ Status saveImageFile(const QImage &image, const QString &path)
     QSaveFile file(path);
     if (Status s = openTarget(file); !s)
         return s;
-    const bool bmp = format == ExportFormat::Bmp;
     // A bitmap has no alpha channel: 24 bits per pixel.
-    const QImage out = bmp ? image.convertToFormat(QImage::Format_RGB888) : image;
-    if (!out.save(&file, bmp ? "BMP" : "PNG"))
+    const bool written = format == ExportFormat::Bmp ? image.convertToFormat(QImage::Format_RGB888).save(&file, "BMP")
+                                                     : writePng(image, file);
+    if (!written)
         return Status::fail(writeFailedMessage(path));
     return commit(file);
 }

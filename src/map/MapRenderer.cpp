@@ -1,12 +1,11 @@
 #include "map/MapRenderer.h"
 
 #include "map/LabelPlacement.h"
+#include "map/Parallel.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPainterPath>
-#include <QSemaphore>
-#include <QThreadPool>
 #include <cmath>
 
 namespace mervola::map {
@@ -98,6 +97,39 @@ void drawMarker(QPainter &p, QPointF c, const Symbol &s)
     }
 }
 
+// Gathers the visible polygons of every symbol that `include` accepts into
+// paths of kFeaturesPerPath features (Qt rasterises many moderate paths much
+// faster than one huge one) and hands each full path, then each remainder in
+// symbol order, to `draw`. The sequence depends only on the features, so two
+// passes meet the same chunks in the same order. `paths` holds one reusable
+// path per symbol.
+template <class Include, class Draw>
+void forEachChunk(const PathBuilder &builder, const LayerData &d, const ResolvedStyle &style, const MapRect &cull,
+                  std::vector<QPainterPath> &paths, Include include, Draw draw)
+{
+    std::vector<int> inPath(paths.size(), 0);
+    auto flush = [&](std::size_t s) {
+        if (!paths[s].isEmpty())
+            draw(style.symbols[s], paths[s]);
+        paths[s].clear();
+        inPath[s] = 0;
+    };
+    std::vector<std::uint8_t> wanted(paths.size());
+    for (std::size_t s = 0; s < paths.size(); ++s)
+        wanted[s] = include(style.symbols[s]) ? 1 : 0;
+    for (int f = 0; f < d.featureCount(); ++f) {
+        const int s = style.featureSymbol[std::size_t(f)];
+        if (s < 0 || !wanted[std::size_t(s)] || !d.boxes[std::size_t(f)].intersects(cull))
+            continue;
+        builder.append(paths[std::size_t(s)], f, true);
+        if (++inPath[std::size_t(s)] >= kFeaturesPerPath)
+            flush(std::size_t(s));
+    }
+    for (std::size_t s = 0; s < paths.size(); ++s)
+        if (wanted[s])
+            flush(s);
+}
+
 void paintLayer(QPainter &painter, const MapLayer &layer, const ResolvedStyle &style, const MapTransform &t,
                 const MapRect &cull, const RenderOptions &o)
 {
@@ -118,48 +150,32 @@ void paintLayer(QPainter &painter, const MapLayer &layer, const ResolvedStyle &s
                     drawMarker(painter, builder.device(int(v)), sym);
         }
     } else {
-        const bool polygons = d.kind == GeometryKind::Polygon;
         std::vector<QPainterPath> paths(style.symbols.size());
-        std::vector<int> inPath(style.symbols.size(), 0);
-        // Filled chunks kept for the outline pass that follows all fills.
-        std::vector<std::pair<std::size_t, QPainterPath>> outlines;
-        auto flush = [&](std::size_t s) {
-            QPainterPath &path = paths[s];
-            if (path.isEmpty())
-                return;
-            const Symbol &sym = style.symbols[s];
-            if (fillBrushStyle(sym.style) != Qt::NoBrush) {
+        for (QPainterPath &p : paths)
+            p.setFillRule(Qt::OddEvenFill);
+        if (d.kind == GeometryKind::Polygon) {
+            // All fills first, then all outlines, so that no fill covers a
+            // neighbour's outline. Both passes walk the features in the same
+            // chunks, each built in a path whose memory is reused.
+            painter.setPen(Qt::NoPen);
+            forEachChunk(builder, d, style, cull, paths, [&](const Symbol &sym) {
+                return fillBrushStyle(sym.style) != Qt::NoBrush;
+            }, [&](const Symbol &sym, const QPainterPath &path) {
                 // An outlined fill needs no anti-aliasing of its own: the
                 // anti-aliased outline covers its edge.
                 painter.setRenderHint(QPainter::Antialiasing, o.antialias && !sym.outline);
                 painter.fillPath(path, fillBrush(sym));
-            }
-            if (sym.outline)
-                outlines.emplace_back(s, std::move(path));
-            path = QPainterPath();
-            path.setFillRule(Qt::OddEvenFill);
-            inPath[s] = 0;
-        };
-        for (QPainterPath &p : paths)
-            p.setFillRule(Qt::OddEvenFill);
-        for (int f = 0; f < n; ++f) {
-            const int s = style.featureSymbol[std::size_t(f)];
-            if (s < 0 || !d.boxes[std::size_t(f)].intersects(cull))
-                continue;
-            builder.append(paths[std::size_t(s)], f, polygons);
-            // Qt rasterises many moderate paths much faster than one huge one.
-            if (polygons && ++inPath[std::size_t(s)] >= kFeaturesPerPath)
-                flush(std::size_t(s));
-        }
-        if (polygons) {
-            painter.setPen(Qt::NoPen);
-            for (std::size_t s = 0; s < paths.size(); ++s)
-                flush(s);
+            });
             painter.setRenderHint(QPainter::Antialiasing, o.antialias);
             painter.setBrush(Qt::NoBrush);
-            for (const auto &[s, path] : outlines)
-                painter.strokePath(path, outlinePen(style.symbols[s]));
+            forEachChunk(builder, d, style, cull, paths, [](const Symbol &sym) { return sym.outline; },
+                         [&](const Symbol &sym, const QPainterPath &path) { painter.strokePath(path, outlinePen(sym)); });
         } else {
+            for (int f = 0; f < n; ++f) {
+                const int s = style.featureSymbol[std::size_t(f)];
+                if (s >= 0 && d.boxes[std::size_t(f)].intersects(cull))
+                    builder.append(paths[std::size_t(s)], f, false);
+            }
             for (std::size_t s = 0; s < paths.size(); ++s) {
                 if (paths[s].isEmpty())
                     continue;
@@ -276,7 +292,9 @@ void MapRenderer::paint(QPainter &painter, const MapModel &model, const MapTrans
 
 QImage MapRenderer::renderImage(const MapModel &model, const MapRect &extent, QSize size, const RenderOptions &o)
 {
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    // An opaque background needs no alpha channel; such an image is quicker
+    // to draw on the screen and to encode.
+    QImage image(size, o.background.alpha() == 255 ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
         return image;
     image.fill(o.background);
@@ -287,7 +305,7 @@ QImage MapRenderer::renderImage(const MapModel &model, const MapRect &extent, QS
     // Two bands per core by default: the north of Italy holds far more
     // vertices than the south, and the thread that finishes first takes
     // the bands still queued, which evens out the load.
-    int bands = o.bands > 0 ? o.bands : 2 * std::max(1, QThreadPool::globalInstance()->maxThreadCount());
+    int bands = o.bands > 0 ? o.bands : 2 * parallelPieces();
     bands = std::clamp(bands, 1, std::max(1, size.height() / 32));
     const int bandHeight = (size.height() + bands - 1) / bands;
 
@@ -311,29 +329,7 @@ QImage MapRenderer::renderImage(const MapModel &model, const MapRect &extent, QS
         paintLayersIn(p, model, t, QRect(0, y0, size.width(), h), o, &styles);
     };
 
-    // Bands 1.. go to the thread pool, band 0 is drawn here. A band still
-    // queued when this thread is done is taken back and drawn here too, so a
-    // busy pool never leaves us waiting.
-    QThreadPool *pool = QThreadPool::globalInstance();
-    std::vector<std::unique_ptr<QRunnable>> jobs;
-    QSemaphore done;
-    for (int b = 1; b < bands; ++b) {
-        jobs.emplace_back(QRunnable::create([&renderBand, &done, b] {
-            renderBand(b);
-            done.release();
-        }));
-        jobs.back()->setAutoDelete(false);
-        pool->start(jobs.back().get());
-    }
-    renderBand(0);
-    int pending = bands - 1;
-    for (auto &job : jobs)
-        if (pool->tryTake(job.get())) {
-            job->run();
-            done.acquire();
-            --pending;
-        }
-    done.acquire(pending);
+    runInParallel(bands, renderBand);
 
     if (o.labels) {
         QPainter p(&image);

@@ -1,5 +1,6 @@
 #include "platform/AtlasHome.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -22,6 +23,25 @@ AtlasHome AtlasHome::locate(const QString &homeArgument)
 }
 
 bool AtlasHome::exists() const { return QFileInfo(referenceDb()).isFile() && QFileInfo(italia()).isDir(); }
+
+QString atlasSourcesFolder(QStringList *searched)
+{
+    QStringList candidates;
+    if (const QString env = qEnvironmentVariable("MERVOLA_SOURCES"); !env.isEmpty()) {
+        candidates << env;
+    } else {
+        const QString bin = QCoreApplication::applicationDirPath();
+        candidates << bin + QStringLiteral("/../share/mervola/sources") << bin + QStringLiteral("/../data/sources");
+    }
+    for (QString &c : candidates) {
+        c = QDir::cleanPath(c);
+        if (QFileInfo(c + QStringLiteral("/comuni_attributi.csv")).isFile())
+            return c;
+    }
+    if (searched)
+        *searched = candidates;
+    return {};
+}
 
 QString resolveCaseInsensitive(const QString &dir, const QString &name)
 {

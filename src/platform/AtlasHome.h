@@ -28,6 +28,13 @@ private:
     QString m_root;
 };
 
+// The folder of the source data an atlas home is built from, where it holds
+// comuni_attributi.csv: $MERVOLA_SOURCES, else the copy installed with the
+// program (<prefix>/share/mervola/sources beside <prefix>/bin), else the
+// data/sources folder of the source tree that holds the build folder. Empty
+// when none does; `searched` then lists where it looked.
+QString atlasSourcesFolder(QStringList *searched = nullptr);
+
 // The path of `name` inside `dir`, matched case-insensitively against the
 // files present: names read from settings, project and region files are
 // matched without regard to case, so "\Supporto\" and "supporto" are the

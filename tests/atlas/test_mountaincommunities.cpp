@@ -168,6 +168,35 @@ private slots:
         QCOMPARE(communities.front().members, std::vector<int>{9});
     }
 
+    void capitalsAndLargeTownsAreNeverMembers_data()
+    {
+        QTest::addColumn<bool>("capital");
+        QTest::addColumn<double>("population");
+        QTest::addColumn<bool>("member");
+        QTest::newRow("40,000 inhabitants") << false << 40000.0 << true;
+        QTest::newRow("40,001 inhabitants") << false << 40001.0 << false;
+        QTest::newRow("unknown population") << false << 0.0 << true;
+        QTest::newRow("small provincial capital") << true << 2000.0 << false;
+    }
+    void capitalsAndLargeTownsAreNeverMembers()
+    {
+        QFETCH(bool, capital);
+        QFETCH(double, population);
+        QFETCH(bool, member);
+        // A 1 x 3 strip: the middle municipality is the one tested; without
+        // it the two ends are not neighbours and form two communities.
+        auto in = grid(QStringLiteral("001"), QStringLiteral("01"), 3, 1, 3);
+        for (ClusterInput &m : in)
+            m.population = 1500;
+        in[1].capital = capital;
+        in[1].population = population;
+        QCOMPARE(mayJoinCommunity(in[1]), member);
+        const auto communities = deriveCommunities(in);
+        QCOMPARE(communities.size(), size_t(member ? 1 : 2));
+        for (const Community &c : communities)
+            QCOMPARE(std::count(c.members.begin(), c.members.end(), 1), long(member));
+    }
+
     void disconnectedMountainAreasAreSeparate()
     {
         // Mountain columns 0 and 2, plain column 1 in between.

@@ -1,8 +1,11 @@
-// Reading the source formats: quantized TopoJSON with shared arcs, and CSV.
+// Reading the source formats (quantized TopoJSON with shared arcs, CSV) and
+// finding what the sources lack.
+#include "atlas/SourceGaps.h"
 #include "atlas/SourceTable.h"
 #include "atlas/TopoJsonReader.h"
 
 #include <QtTest>
+#include <set>
 
 using namespace mervola::atlas;
 
@@ -17,6 +20,56 @@ const char *kTopology = R"({"type":"Topology",
    {"type":"Polygon","arcs":[[0,1]],"properties":{"com_istat_code":"001001","name":"Ovest"}},
    {"type":"MultiPolygon","arcs":[[[-2,2]]],"properties":{"com_istat_code":"001002","name":"Est"}},
    {"type":null,"properties":{"com_istat_code":"001003","name":"Vuoto"}}]}}})";
+
+constexpr double kCell = 700;  // metres: one cell is 0.49 km²
+
+Ring rectangle(double x0, double y0, double x1, double y1)
+{
+    return {{x0, y0}, {x1, y0}, {x1, y1}, {x0, y1}, {x0, y0}};
+}
+
+Ring cells(int c0, int r0, int c1, int r1)
+{
+    return rectangle(c0 * kCell, r0 * kCell, (c1 + 1) * kCell, (r1 + 1) * kCell);
+}
+
+void addMunicipality(AtlasModel &m, const QString &name, const QString &region, MultiPolygon shape)
+{
+    SourceMunicipality c;
+    c.code = QStringLiteral("%1").arg(m.sources.comuni.size() + 1, 6, 10, QLatin1Char('0'));
+    c.name = name;
+    c.provinceName = QStringLiteral("Prova");
+    c.regionCode = region;
+    c.shape = std::move(shape);
+    m.comuniGeometry.push_back(toOgr(c.shape));
+    m.sources.comuni.push_back(std::move(c));
+}
+
+void addRegion(AtlasModel &m, const QString &code, Polygon outline)
+{
+    m.sources.regioni.push_back({code, code, {}, {}, {outline}});
+    m.regioniGeometry.push_back(toOgr({outline}));
+}
+
+// An 8 x 6 grid of municipalities of region 01 with cells left out: a
+// 2-cell gap (0.98 km², reported), a 1-cell gap (0.49 km², too small), a
+// 2-cell enclave of region 02, and a municipality of 4 x 3 cells around a
+// 2-cell hole of its own (a foreign state).
+AtlasModel gridWithGaps()
+{
+    const std::set<std::pair<int, int>> empty = {{1, 1}, {2, 1}, {5, 1}, {1, 3}, {2, 3}};
+    AtlasModel m;
+    for (int c = 0; c < 8; ++c)
+        for (int r = 0; r < 6; ++r)
+            if (!empty.count({c, r}) && !(c >= 4 && r >= 2 && r <= 4))
+                addMunicipality(m, QStringLiteral("C%1%2").arg(c).arg(r), QStringLiteral("01"), {{cells(c, r, c, r)}});
+    addMunicipality(m, QStringLiteral("Enclave"), QStringLiteral("02"), {{cells(1, 3, 2, 3)}});
+    addMunicipality(m, QStringLiteral("Ospite"), QStringLiteral("01"), {{cells(4, 2, 7, 4), cells(5, 3, 6, 3)}});
+    addMunicipality(m, QStringLiteral("Senza confini"), QStringLiteral("01"), {});
+    addRegion(m, QStringLiteral("01"), {cells(0, 0, 7, 5)});
+    addRegion(m, QStringLiteral("02"), {cells(1, 3, 2, 3)});
+    return m;
+}
 
 }  // namespace
 
@@ -80,6 +133,17 @@ private slots:
         QCOMPARE(t.rows[1], secondRow);
         QCOMPARE(t.column(QStringLiteral("B")), 1);
         QCOMPARE(t.record(1).value(QStringLiteral("c")), secondRow[2]);
+    }
+
+    void gapsInsideARegionAreReported()
+    {
+        const QStringList notes = sourceGapNotes(gridWithGaps());
+        const QStringList expected = {
+            QStringLiteral("Comune senza geometria (il record resta, fuori da ogni comunità montana): Senza confini "
+                           "(000034), provincia di Prova"),
+            QStringLiteral("Area non coperta da alcun comune in PIEMONTE (provincia di Prova): 1,0 km² fra C00, C01, "
+                           "C02, C10, C12, C20, C22, C30, C31, C32")};
+        QCOMPARE(notes, expected);
     }
 };
 

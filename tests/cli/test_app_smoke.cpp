@@ -1,10 +1,12 @@
 // The application run as a user runs it: start-up to the first painted map,
-// the refusal of a second copy on the same atlas home, and the lock files,
-// read-only homes and full disks a user really meets.
+// the first start that prepares the atlas, the refusal of a second copy on
+// the same atlas home, the lock files, read-only homes and full disks a user
+// really meets, and the Italian usage of both programs.
 #include "support/MountSupport.h"
 #include "support/TestSupport.h"
 
 #include <QDirIterator>
+#include <QImage>
 #include <QLockFile>
 #include <QProcess>
 #include <QSysInfo>
@@ -27,15 +29,19 @@ QMap<QString, QString> snapshot(const QString &dir)
     return out;
 }
 
-int runApp(const QString &home, QString *err)
+int runApp(const QString &home, QString *err, const QStringList &extra = {}, const QString &sources = {})
 {
     QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     env.insert(QStringLiteral("MERVOLA_NONINTERACTIVE"), QStringLiteral("1"));
+    env.remove(QStringLiteral("MERVOLA_SOURCES"));
+    if (!sources.isEmpty())
+        env.insert(QStringLiteral("MERVOLA_SOURCES"), sources);
     p.setProcessEnvironment(env);
-    p.start(QStringLiteral(MERVOLA_APP), {QStringLiteral("--home"), home, QStringLiteral("--quit-after-start")});
-    if (!p.waitForFinished(120000)) {
+    p.start(QStringLiteral(MERVOLA_APP),
+            QStringList{QStringLiteral("--home"), home, QStringLiteral("--quit-after-start")} + extra);
+    if (!p.waitForFinished(600000)) {
         p.kill();
         return -1;
     }
@@ -77,6 +83,83 @@ private slots:
         QString err;
         QCOMPARE(runApp(home, &err), 0);
         QVERIFY2(err.contains(QStringLiteral("Mappa disegnata")), qPrintable(err));
+    }
+
+    void firstStartPreparesTheAtlasOfAllItaly()
+    {
+        // Nothing at --home: the atlas is built from the source data found
+        // beside the program (data/sources of this source tree).
+        QTemporaryDir dir;
+        const QString home = dir.filePath(QStringLiteral("nuovo/atlante"));
+        const QString shot = dir.filePath(QStringLiteral("finestra.png"));
+        QString err;
+        QCOMPARE(runApp(home, &err, {QStringLiteral("--screenshot"), shot}), 0);
+        QVERIFY2(err.contains(QStringLiteral("Preparazione dell'atlante...\n  Lettura dei dati di origine da ")), qPrintable(err));
+        QVERIFY2(err.contains(QStringLiteral("Atlante creato in %1: 7899 comuni").arg(home)), qPrintable(err));
+        QVERIFY2(err.contains(QStringLiteral("Mappa disegnata")), qPrintable(err));
+        QString count;
+        QCOMPARE(test::runProgram(QStringLiteral(MERVOLA_CLI),
+                                  {QStringLiteral("sql"), QStringLiteral("--folder"), home + QStringLiteral("/italia"),
+                                   QStringLiteral("SELECT COUNT(*) FROM comuni")},
+                                  &count),
+                 0);
+        QCOMPARE(count.split(QLatin1Char('\n')).value(1).trimmed(), QStringLiteral("7899"));
+        // The window shows the municipalities (cyan) and communities (green) of all Italy.
+        const QImage window(shot);
+        int cyan = 0, green = 0;
+        for (int y = 0; y < window.height(); ++y)
+            for (int x = 0; x < window.width(); ++x) {
+                cyan += window.pixel(x, y) == qRgb(0, 255, 255);
+                green += window.pixel(x, y) == qRgb(0, 220, 0);
+            }
+        QVERIFY2(cyan > 5000 && green > 5000, qPrintable(QStringLiteral("%1 %2").arg(cyan).arg(green)));
+
+        // The second start finds the atlas and does not prepare it again.
+        QCOMPARE(runApp(home, &err), 0);
+        QVERIFY2(!err.contains(QStringLiteral("Preparazione")), qPrintable(err));
+    }
+
+    void missingSourcesAreSaidAndNothingIsCreated()
+    {
+        QTemporaryDir dir;
+        const QString home = dir.filePath(QStringLiteral("atlante"));
+        const QString sources = dir.filePath(QStringLiteral("nessuna"));
+        QString err;
+        QCOMPARE(runApp(home, &err, {}, sources), 1);
+        QVERIFY2(err.contains(QStringLiteral("Impossibile preparare l'atlante in %1: i dati di origine non sono stati "
+                                             "trovati.\nCartelle cercate:\n%2\nReinstallare Mervola")
+                                  .arg(home, sources)),
+                 qPrintable(err));
+        QVERIFY(!QFileInfo::exists(home));
+    }
+
+    void usageIsItalianAndExitCodesAreDocumented()
+    {
+        QString out, err;
+        QCOMPARE(test::runProgram(QStringLiteral(MERVOLA_APP), {QStringLiteral("--help")}, &out), 0);
+        QVERIFY2(out.startsWith(QStringLiteral("Uso: mervola [--home CARTELLA]")), qPrintable(out));
+        QVERIFY(out.contains(QStringLiteral("Codici di uscita: 0 uscita normale, 1 avvio impossibile")));
+        QCOMPARE(test::runProgram(QStringLiteral(MERVOLA_APP), {QStringLiteral("--version")}, &out), 0);
+        QCOMPARE(out, QStringLiteral("mervola " MERVOLA_TEST_VERSION "\n"));
+        QCOMPARE(runApp(m_home, &err, {QStringLiteral("--colore")}), 2);
+        QVERIFY2(err.contains(QStringLiteral("argomento sconosciuto: --colore")), qPrintable(err));
+
+        const QString cli = QStringLiteral(MERVOLA_CLI);
+        QCOMPARE(test::runProgram(cli, {QStringLiteral("--version")}, &out), 0);
+        QCOMPARE(out, QStringLiteral("mervola-cli " MERVOLA_TEST_VERSION "\n"));
+        QCOMPARE(test::runProgram(cli, {QStringLiteral("--help")}, &out), 0);
+        QVERIFY2(out.startsWith(QStringLiteral("Uso: mervola-cli COMANDO [opzioni]")), qPrintable(out));
+        QVERIFY(out.contains(QStringLiteral("Codici di uscita: 0 riuscito, 1 operazione non riuscita, 2 riga di comando "
+                                            "errata.")));
+        for (const char *command : {"build-atlas", "sql", "render", "classify"}) {
+            QCOMPARE(test::runProgram(cli, {QString::fromLatin1(command), QStringLiteral("--help")}, &out), 0);
+            QVERIFY2(out.startsWith(QStringLiteral("Uso: mervola-cli ") + QLatin1String(command)), qPrintable(out));
+            QVERIFY2(out.count(QLatin1Char('\n')) >= 4, qPrintable(out));
+        }
+        QVERIFY(out.contains(QStringLiteral("--method METODO       quantile, regolari o unico")));
+        QCOMPARE(test::runProgram(cli, {QStringLiteral("disegna")}, nullptr, &err), 2);
+        QVERIFY2(err.contains(QStringLiteral("comando sconosciuto: disegna")), qPrintable(err));
+        QCOMPARE(test::runProgram(cli, {QStringLiteral("build-atlas"), QStringLiteral("--demo")}, nullptr, &err), 2);
     }
 
     void secondCopyIsRefusedAndWritesNothing()

@@ -42,14 +42,15 @@ QString realAtlasTemplate()
     if (readFile(stampPath) == builderStamp() && QFileInfo::exists(home + QStringLiteral("/dati/mervola.sqlite")))
         return home;
     QDir(home).removeRecursively();
-    QString err;
+    QString out, err;
     if (runProgram(QStringLiteral(MERVOLA_CLI),
                    {QStringLiteral("build-atlas"), QStringLiteral("--sources"), atlasSourceDir(),
                     QStringLiteral("--home"), home},
-                   nullptr, &err, 600000) != 0) {
+                   &out, &err, 600000) != 0) {
         qWarning("build-atlas failed: %s", qPrintable(err));
         return QString();
     }
+    writeFile(home + QStringLiteral(".log"), out.toUtf8());
     writeFile(stampPath, builderStamp());
     return home;
 }
@@ -78,6 +79,12 @@ bool copyRealAtlas(const QString &dest)
         }
     }
     return true;
+}
+
+QString realAtlasBuildLog()
+{
+    const QString home = realAtlasTemplate();
+    return home.isEmpty() ? QString() : QString::fromUtf8(readFile(home + QStringLiteral(".log")));
 }
 
 int runProgram(const QString &program, const QStringList &args, QString *out, QString *err, int timeoutMs)

@@ -15,6 +15,8 @@ QString fixturePath(const QString &name);
 // exist or be empty). The home is built once per build tree by mervola-cli
 // and reused; paths inside settings and project files point to DEST.
 bool copyRealAtlas(const QString &dest);
+// What mervola-cli build-atlas printed while building that atlas.
+QString realAtlasBuildLog();
 // Runs a program, returns exit code; stdout/stderr captured.
 int runProgram(const QString &program, const QStringList &args, QString *out = nullptr, QString *err = nullptr,
                int timeoutMs = 300000);

@@ -202,13 +202,10 @@ void MainWindow::chooseRegion(int index)
     } else {
         // The project records which mountain-community table is on the map.
         m_state.communityTable = mountainTheme(region.code);
-        // The pristine region files keep their themes hidden; a region is
-        // chosen to be seen, so its themes are shown.
+        // switchRegion shows the new themes even where the pristine region
+        // files keep them hidden; their settings files say so too.
         for (const QString &name : result->added)
-            if (map::MapLayer *layer = m_map->model().find(name)) {
-                layer->visible = true;
-                storeVisibility(name, true);
-            }
+            storeVisibility(name, true);
         if (result->extent)
             moveView(*result->extent);
     }

