@@ -1,8 +1,10 @@
 // Classification speed over the municipalities' resident population
 // (7,899 values of the real source table when it is there, else a
 // synthetic column of the same size and spread).
+#include "classify/ClassFit.h"
 #include "classify/ClassificationMethod.h"
 #include "classify/Methods.h"
+#include "classify/NaturalBreaks.h"
 
 #include <QFile>
 #include <QString>
@@ -72,6 +74,24 @@ void BM_RegularIntervals32(benchmark::State &state)
     }
 }
 BENCHMARK(BM_RegularIntervals32)->Unit(benchmark::kMicrosecond);
+
+// Exact natural breaks of the whole column in 32 classes (limit: 50 ms).
+void BM_NaturalBreaks32(benchmark::State &state)
+{
+    const std::vector<double> sorted = column().sortedNumbers();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(naturalBreaks(sorted, 32));
+    state.counters["valori"] = double(sorted.size());
+}
+BENCHMARK(BM_NaturalBreaks32)->Unit(benchmark::kMillisecond);
+
+// The "Confronta metodi" table for 2 to 32 classes.
+void BM_CompareMethods32(benchmark::State &state)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(compareMethods(column(), 32));
+}
+BENCHMARK(BM_CompareMethods32)->Unit(benchmark::kMillisecond);
 
 void BM_SortColumn(benchmark::State &state)
 {

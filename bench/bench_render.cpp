@@ -7,6 +7,7 @@
 #include "map/MapRenderer.h"
 
 #include <QGuiApplication>
+#include <QPainter>
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <cstdlib>
@@ -120,8 +121,68 @@ void BM_RenderItalyNoAntialias(benchmark::State &state)
     renderBench(state, o);
 }
 
+// A selection of `count` municipalities spread over Italy.
+MapModel withSelection(int count)
+{
+    MapModel m = italyModel();
+    if (MapLayer *comuni = m.find(QStringLiteral("comuni")); comuni && comuni->data) {
+        const int n = comuni->data->featureCount();
+        for (int i = 0; i < count && i < n; ++i)
+            comuni->selection.push_back(int(std::int64_t(i) * n / count));
+    }
+    return m;
+}
+
+// Redraw after the table's selection changed, as the map widget does it:
+// the picture of the layers is kept, the highlight and labels go on again
+// (limit: 30 ms). Argument: selected municipalities.
+void BM_HighlightRedraw(benchmark::State &state)
+{
+    const MapModel m = withSelection(int(state.range(0)));
+    if (m.layerCount() == 0) {
+        state.SkipWithError("nessun tema in $MERVOLA_BENCH_HOME/italia");
+        return;
+    }
+    RenderOptions layersOnly;
+    layersOnly.selection = false;
+    layersOnly.labels = false;
+    const QSize size(1600, 1200);
+    const QImage layers = MapRenderer::renderImage(m, m.extent(), size, layersOnly);
+    const MapTransform t(m.extent(), size);
+    for (auto _ : state) {
+        QImage picture = layers;
+        QPainter p(&picture);
+        MapRenderer::paintSelections(p, m, t, RenderOptions{});
+        MapRenderer::paintLabels(p, m, t);
+        p.end();
+        benchmark::DoNotOptimize(picture.constBits());
+    }
+}
+
+// The same change drawn by a whole new picture.
+void BM_HighlightFullRender(benchmark::State &state)
+{
+    const MapModel m = withSelection(int(state.range(0)));
+    for (auto _ : state) {
+        QImage img = MapRenderer::renderImage(m, m.extent(), QSize(1600, 1200));
+        benchmark::DoNotOptimize(img.constBits());
+    }
+}
+
 }  // namespace
 
+BENCHMARK(BM_HighlightRedraw)
+    ->Arg(50)
+    ->Arg(3000)
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly(true);
+BENCHMARK(BM_HighlightFullRender)
+    ->Arg(50)
+    ->Arg(3000)
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(3)
+    ->ReportAggregatesOnly(true);
 BENCHMARK(BM_LoadComuni)->Unit(benchmark::kMillisecond)->Repetitions(5)->ReportAggregatesOnly(true);
 BENCHMARK(BM_RenderItaly)->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->Repetitions(11)->ReportAggregatesOnly(true);
 BENCHMARK(BM_RenderItalyNoAntialias)->Unit(benchmark::kMillisecond)->Repetitions(9)->ReportAggregatesOnly(true);

@@ -1,6 +1,9 @@
 #include "app/ThemeLegend.h"
 
 #include "app/ThemeStyle.h"
+#include "classify/ClassFit.h"
+
+#include <cmath>
 
 namespace mervola {
 
@@ -50,6 +53,40 @@ std::vector<LegendEntry> themeLegend(const map::MapModel &model, const AliasOf &
         entries.push_back(std::move(e));
     }
     return entries;
+}
+
+std::optional<double> themeFit(const map::MapLayer &layer)
+{
+    const auto *cb = std::get_if<map::ClassBreaksRenderer>(&layer.renderer);
+    if (!cb || !layer.data || cb->breakCount() == 0)
+        return std::nullopt;
+    const map::Column *column = layer.data->column(cb->field);
+    if (!column || !column->isNumeric())
+        return std::nullopt;
+    map::Renderer counted = layer.renderer;
+    auto &all = std::get<map::ClassBreaksRenderer>(counted);
+    for (int c = 0; c < all.breakCount(); ++c)
+        all.symbol(c).drawn = true; // a hidden class still holds its elements
+    const std::vector<int> symbols = map::resolveStyle(counted, *layer.data).featureSymbol;
+    std::vector<double> values;
+    std::vector<int> classOf;
+    for (int f = 0; f < layer.data->featureCount(); ++f) {
+        const double v = column->number(f);
+        const int s = f < int(symbols.size()) ? symbols[size_t(f)] : -1;
+        if (std::isnan(v) || s < 0 || s >= all.breakCount())
+            continue;
+        values.push_back(v);
+        classOf.push_back(s);
+    }
+    return classify::goodnessOfFit(values, classOf);
+}
+
+void addFitTexts(std::vector<LegendEntry> &entries, const map::MapModel &model)
+{
+    for (LegendEntry &e : entries)
+        if (const int i = model.indexOf(e.layerName); i >= 0)
+            if (const std::optional<double> fit = themeFit(model.layer(i)))
+                e.fitText = classify::gvfText(fit);
 }
 
 }  // namespace mervola

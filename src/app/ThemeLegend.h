@@ -9,6 +9,7 @@
 #include "project/ThemeSettings.h"
 
 #include <functional>
+#include <optional>
 
 namespace mervola {
 
@@ -16,5 +17,12 @@ using AliasOf = std::function<QString(const QString &layerName)>;
 using SettingsOf = std::function<ThemeSettings(const QString &layerName)>;
 
 std::vector<LegendEntry> themeLegend(const map::MapModel &model, const AliasOf &aliasOf, const SettingsOf &settingsOf);
+
+// The goodness of variance fit of a theme drawn by class limits, over the
+// elements with a value, each in the class the map draws it with; nullopt
+// for other themes.
+std::optional<double> themeFit(const map::MapLayer &layer);
+// Fills the fit line of every entry whose theme is drawn by class limits.
+void addFitTexts(std::vector<LegendEntry> &entries, const map::MapModel &model);
 
 }  // namespace mervola

@@ -1,5 +1,6 @@
 #include "classify/ClassificationMethod.h"
 
+#include "classify/ClassFit.h"
 #include "classify/ColorRamp.h"
 #include "classify/Methods.h"
 
@@ -34,9 +35,11 @@ ClassifyOutcome ClassificationMethod::classes(const FieldColumn &column, int cla
         r.drawn = true;
     }
     applyRamp(c.classes, rampIndex);
-    if (!c.uniqueValues && column.numeric)
-        countSorted(b.sorted.empty() ? column.sortedNumbers() : b.sorted, c.classes);
-    else
+    if (!c.uniqueValues && column.numeric) {
+        const std::vector<double> sorted = b.sorted.empty() ? column.sortedNumbers() : std::move(b.sorted);
+        countSorted(sorted, c.classes);
+        out.gvf = goodnessOfFit(sorted, c.classes);
+    } else
         countElements(column, c.classes, c.uniqueValues);
     return out;
 }

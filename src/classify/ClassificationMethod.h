@@ -8,6 +8,7 @@
 #include "classify/FieldColumn.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace mervola::classify {
@@ -22,6 +23,7 @@ enum class ClassifyStatus {
 struct ClassifyOutcome {
     ClassifyStatus status = ClassifyStatus::NoData;
     Classification classification;
+    std::optional<double> gvf;  // goodness of variance fit of numeric classes
     bool ok() const { return status == ClassifyStatus::Done; }
 };
 

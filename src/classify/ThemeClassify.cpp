@@ -1,5 +1,6 @@
 #include "classify/ThemeClassify.h"
 
+#include "classify/ClassFit.h"
 #include "classify/ColorRamp.h"
 #include "classify/ColumnReader.h"
 #include "platform/AtlasHome.h"
@@ -11,7 +12,7 @@ namespace mervola::classify {
 QString methodFromName(const QString &name)
 {
     const QString m = name.trimmed().toUpper();
-    if (m == kQuantile || m == kRegolari || m == kUnico)
+    if (m == kQuantile || m == kRegolari || m == kUnico || m == kNaturali)
         return m;
     if (m == QLatin1String("UNICI"))
         return kUnico;
@@ -22,13 +23,21 @@ Result<ClassifyOutcome> classifyThemeField(const AtlasHome &home, const QString 
                                            const QString &method, int classes, int rampIndex)
 {
     const ClassificationMethod *m = methodById(method);
-    if (!m)
+    if (!m && method != kNaturali)
         return Result<ClassifyOutcome>::fail(QStringLiteral("Metodo di classificazione sconosciuto: %1").arg(method));
     const QString dbf = resolveCaseInsensitive(home.italia(), theme + QStringLiteral(".dbf"));
     Result<FieldColumn> column = readFieldColumn(dbf, field);
     if (!column)
         return Result<ClassifyOutcome>(column.error());
-    return m->classes(*column, classes, rampIndex);
+    if (m)
+        return m->classes(*column, classes, rampIndex);
+    // Natural breaks give user limits, as the classification window's button does.
+    ClassifyOutcome out;
+    out.classification = naturalBreaksClassification(*column, classes, rampIndex);
+    out.status = out.classification.isEmpty() ? ClassifyStatus::NoData : ClassifyStatus::Done;
+    if (out.ok())
+        out.gvf = goodnessOfFit(column->sortedNumbers(), out.classification.classes);
+    return out;
 }
 
 namespace {
@@ -80,6 +89,8 @@ QJsonObject outcomeJson(const QString &theme, const ClassifyOutcome &outcome, co
     for (const ClassRange &r : outcome.classification.classes)
         list.append(rangeJson(r, unique));
     root.insert(QStringLiteral("classes"), list);
+    if (outcome.gvf)
+        root.insert(QStringLiteral("gvf"), *outcome.gvf);
     return root;
 }
 

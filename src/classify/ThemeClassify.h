@@ -13,8 +13,12 @@ class AtlasHome;
 
 namespace mervola::classify {
 
-// The method keyword for "quantile", "regolari" or "unico" (any case), or a
-// keyword itself; empty when unknown.
+// Command-line keyword for natural breaks; the classes come back as user
+// limits (PERSONALI), the way the classification window's button gives them.
+inline const QString kNaturali = QStringLiteral("NATURALI");
+
+// The method keyword for "quantile", "regolari", "unico" or "naturali" (any
+// case), or a keyword itself; empty when unknown.
 QString methodFromName(const QString &name);
 
 // Reads italia/<theme>.dbf of the home and classifies `field`. Questions go
@@ -23,7 +27,7 @@ Result<ClassifyOutcome> classifyThemeField(const AtlasHome &home, const QString 
                                            const QString &method, int classes, int rampIndex);
 
 // {theme, field, method, requested, status, classes: [{lower, upper | value,
-// text, label, count, color, rgb}]}
+// text, label, count, color, rgb}], gvf (numeric classes only)}
 QJsonObject outcomeJson(const QString &theme, const ClassifyOutcome &outcome, const QString &field,
                         const QString &method, int requested);
 

@@ -19,7 +19,7 @@ int cmdClassify(const QStringList &args)
     if (theme.isEmpty() || field.isEmpty())
         return usageError(QStringLiteral("occorrono --theme e --field"));
     if (method.isEmpty())
-        return usageError(QStringLiteral("--method deve essere quantile, regolari o unico"));
+        return usageError(QStringLiteral("--method deve essere quantile, regolari, unico o naturali"));
     int classes = 5;
     const QString classesArg = option(args, QStringLiteral("--classes"));
     if (!classesArg.isEmpty()) {

@@ -48,7 +48,7 @@ const char *const kClassifyHelp = "Calcola le classi di un campo di un tema con 
                                   "  --home DIR            cartella dell'atlante\n"
                                   "  --theme NOME          tema (es. comuni, commont, comu_01)\n"
                                   "  --field CAMPO         campo da classificare\n"
-                                  "  --method METODO       quantile, regolari o unico\n"
+                                  "  --method METODO       quantile, regolari, unico o naturali (limiti dell'utente)\n"
                                   "  --classes N           numero di classi (predefinito 5)\n"
                                   "  --ramp N              scala di colori\n";
 
@@ -77,7 +77,7 @@ const std::vector<Command> &commands()
          "[--format FMT])",
          cmdRender, kRenderHelp},
         {"classify",
-         "classify --home DIR --theme NOME --field CAMPO --method quantile|regolari|unico [--classes N] [--ramp N]",
+         "classify --home DIR --theme NOME --field CAMPO --method quantile|regolari|unico|naturali [--classes N] [--ramp N]",
          cmdClassify, kClassifyHelp},
         {"join",
          "join --home DIR --theme NOME --source FILE [--table TABELLA] --theme-key CAMPO --source-key CAMPO "

@@ -1,7 +1,9 @@
 #include "map/MapRenderer.h"
 
+#include "map/LabelPlacement.h"
 #include "map/Parallel.h"
 
+#include <QFontMetricsF>
 #include <QPainter>
 #include <QPainterPath>
 #include <cmath>
@@ -213,33 +215,6 @@ void paintSelection(QPainter &painter, const MapLayer &layer, const MapTransform
     painter.strokePath(sel, pen);
 }
 
-// Coarse occupancy grid for label collision tests.
-class LabelSpace {
-public:
-    explicit LabelSpace(QSize device) : m_cols(std::max(1, device.width() / kCell + 1)), m_rows(std::max(1, device.height() / kCell + 1)), m_cells(std::size_t(m_cols * m_rows)) {}
-
-    bool tryPlace(const QRectF &r)
-    {
-        const int c0 = cell(r.left(), m_cols), c1 = cell(r.right(), m_cols);
-        const int r0 = cell(r.top(), m_rows), r1 = cell(r.bottom(), m_rows);
-        for (int y = r0; y <= r1; ++y)
-            for (int x = c0; x <= c1; ++x)
-                for (const QRectF &o : m_cells[std::size_t(y * m_cols + x)])
-                    if (o.intersects(r))
-                        return false;
-        for (int y = r0; y <= r1; ++y)
-            for (int x = c0; x <= c1; ++x)
-                m_cells[std::size_t(y * m_cols + x)].push_back(r);
-        return true;
-    }
-
-private:
-    static constexpr int kCell = 64;
-    static int cell(double v, int n) { return std::clamp(int(v) / kCell, 0, n - 1); }
-    int m_cols, m_rows;
-    std::vector<std::vector<QRectF>> m_cells;
-};
-
 // Paints the layers within `clip`; `styles`, when given, holds the resolved
 // style of every visible layer by index, else each is resolved here.
 void paintLayersIn(QPainter &painter, const MapModel &model, const MapTransform &t, const QRect &clip,
@@ -261,6 +236,8 @@ void paintLayersIn(QPainter &painter, const MapModel &model, const MapTransform 
         else
             paintLayer(painter, layer, resolveStyle(layer.renderer, *layer.data), t, cull, o);
     }
+    if (!o.selection)
+        return;
     for (std::size_t i = layers.size(); i-- > 0;) {
         const MapLayer &layer = layers[i];
         if (layer.visible && layer.data && !layer.selection.empty() && layer.data->extent.intersects(cull))
@@ -276,49 +253,33 @@ void MapRenderer::paintLayers(QPainter &painter, const MapModel &model, const Ma
     paintLayersIn(painter, model, t, clip, o, nullptr);
 }
 
-void MapRenderer::paintLabels(QPainter &painter, const MapModel &model, const MapTransform &t)
+void MapRenderer::paintSelections(QPainter &painter, const MapModel &model, const MapTransform &t,
+                                  const RenderOptions &o)
 {
     if (!t.isValid())
         return;
-    const MapRect &view = t.extent();
-    LabelSpace space(t.deviceSize());
+    const MapRect cull = t.toMap(QRectF(QPointF(0, 0), QSizeF(t.deviceSize())).adjusted(-2, -2, 2, 2));
+    const auto &layers = model.layers();
+    for (std::size_t i = layers.size(); i-- > 0;) {
+        const MapLayer &layer = layers[i];
+        if (layer.visible && layer.data && !layer.selection.empty() && layer.data->extent.intersects(cull))
+            paintSelection(painter, layer, t, cull, o);
+    }
+}
+
+void MapRenderer::paintLabels(QPainter &painter, const MapModel &model, const MapTransform &t)
+{
     painter.setRenderHint(QPainter::TextAntialiasing, true);
-    for (const MapLayer &layer : model.layers()) {
-        if (!layer.visible || !layer.data || !layer.labels.enabled())
-            continue;
-        const LayerData &d = *layer.data;
-        const Column *c = d.column(layer.labels.field);
-        if (!c)
-            continue;
-        QFont font(layer.labels.fontFamily);
-        font.setPointSizeF(std::max(1.0, layer.labels.height));
-        painter.setFont(font);
-        painter.setPen(colorFromValue(layer.labels.color));
-        const QFontMetricsF fm(font, painter.device());
-        for (int f = 0; f < d.featureCount(); ++f) {
-            if (!d.boxes[std::size_t(f)].intersects(view))
-                continue;
-            const QString text = c->text(f);
-            if (text.isEmpty())
-                continue;
-            const QPointF at = t.toDevice(labelPoint(d, f));
-            QRectF box = fm.boundingRect(text);
-            box.moveCenter(at);
-            if (layer.labels.rotation != 0) {
-                // Rotated labels reserve the box of their rotated rectangle.
-                QTransform rot;
-                rot.translate(at.x(), at.y()).rotate(-layer.labels.rotation).translate(-at.x(), -at.y());
-                box = rot.mapRect(box);
-            }
-            if (!space.tryPlace(box))
-                continue;
-            painter.save();
-            painter.translate(at);
-            painter.rotate(-layer.labels.rotation);
-            const QRectF local = fm.boundingRect(text);
-            painter.drawText(QPointF(-local.width() / 2, fm.ascent() - local.height() / 2), text);
-            painter.restore();
-        }
+    for (const PlacedLabel &l : placeLabels(model, t, painter.device())) {
+        painter.setFont(l.font);
+        painter.setPen(l.color);
+        const QFontMetricsF fm(l.font, painter.device());
+        const QRectF local = fm.boundingRect(l.text);
+        painter.save();
+        painter.translate(l.centre);
+        painter.rotate(-l.rotation);
+        painter.drawText(QPointF(-local.width() / 2, fm.ascent() - local.height() / 2), l.text);
+        painter.restore();
     }
 }
 

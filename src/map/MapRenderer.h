@@ -25,7 +25,8 @@ struct RenderOptions {
     QColor selectionColor = QColor(255, 255, 0);
     bool antialias = true;
     bool labels = true;
-    int bands = 0;  // 0: two bands per available core
+    bool selection = true; // paint the selected features over the layers
+    int bands = 0;         // 0: two bands per available core
 };
 
 class MapRenderer {
@@ -46,6 +47,10 @@ public:
     static void paintLayers(QPainter &painter, const MapModel &model, const MapTransform &transform,
                             const QRect &deviceClip, const RenderOptions &options);
     static void paintLabels(QPainter &painter, const MapModel &model, const MapTransform &transform);
+    // The selected features of every layer (the top of the picture, below
+    // the labels only).
+    static void paintSelections(QPainter &painter, const MapModel &model, const MapTransform &transform,
+                                const RenderOptions &options);
 };
 
 }  // namespace mervola::map

@@ -24,6 +24,9 @@ struct LegendEntry {
     bool outlined = true;
     int geometryKind = 2;  // 0 point, 1 line, 2 polygon
     std::vector<LegendClass> classes;
+    // A line under the classes telling how well they fit the values
+    // ("Bontà dell'adattamento (GVF): 0,87"); printed when the user asks.
+    QString fitText;
 };
 
 // The text of a class line: the label followed by the count in brackets

@@ -212,7 +212,7 @@ MapPageLayout layoutMapPage(const QRectF &pageRect, const MapPageContent &pageCo
     const QRectF middle(c.left(), middleTop, c.width(), std::max(0.0, middleBottom - middleTop));
 
     const map::MapRect extent = printedExtent(pageContent);
-    const auto lines = legendLines(pageContent.legend);
+    const auto lines = legendLines(pageContent.legend, pageContent.legendFit);
     const bool landscape = pageRect.width() > pageRect.height();
     l.mapArea = middle;
     if (!lines.empty()) {
@@ -293,7 +293,8 @@ void paintMapPage(QPainter &painter, const QRectF &pageRect, const MapPageConten
     painter.drawRect(l.mapFrame);
 
     if (!l.legend.isEmpty()) {
-        paintLegend(painter, l.legend, legendLines(pageContent.legend), u, l.dpi, l.legendFactor);
+        paintLegend(painter, l.legend, legendLines(pageContent.legend, pageContent.legendFit), u, l.dpi,
+                    l.legendFactor);
     }
 
     if (!l.freeText.isEmpty()) {

@@ -42,6 +42,7 @@ struct MapPageContent {
     map::MapModel model;  // a copy: printing never touches the window's map
     map::MapRect extent;
     std::vector<MapPageTheme> legend;  // in legend order, top first
+    bool legendFit = false;           // print each theme's fit line under its classes
 };
 
 // Where each part of the page goes, in device coordinates of the page.

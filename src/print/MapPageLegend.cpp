@@ -20,7 +20,7 @@ QFont pageFont(const QString &family, double mm, double unit, double dpi, bool b
     return f;
 }
 
-std::vector<LegendLine> legendLines(const std::vector<MapPageTheme> &themes)
+std::vector<LegendLine> legendLines(const std::vector<MapPageTheme> &themes, bool withFit)
 {
     std::vector<LegendLine> lines;
     for (const MapPageTheme &t : themes) {
@@ -48,13 +48,19 @@ std::vector<LegendLine> legendLines(const std::vector<MapPageTheme> &themes)
             l.geometryKind = t.geometryKind;
             lines.push_back(l);
         }
+        if (withFit && !t.fitText.isEmpty()) {
+            LegendLine note;
+            note.text = t.fitText;
+            note.note = true;
+            lines.push_back(note);
+        }
     }
     return lines;
 }
 
 namespace {
 
-bool hasSwatch(const LegendLine &l) { return !l.heading || l.fill.isValid(); }
+bool hasSwatch(const LegendLine &l) { return !l.note && (!l.heading || l.fill.isValid()); }
 
 double lineHeight(const LegendLine &l, double unit, double factor)
 {

@@ -21,9 +21,11 @@ struct LegendLine {
     QColor outline;
     bool outlined = true;
     int geometryKind = 2;
+    bool note = false; // a line of text without swatch (the fit of the classes)
 };
 
-std::vector<LegendLine> legendLines(const std::vector<MapPageTheme> &themes);
+// The legend's lines; `withFit` adds each classified theme's fit line.
+std::vector<LegendLine> legendLines(const std::vector<MapPageTheme> &themes, bool withFit = false);
 
 // Sizes of the legend at factor 1, in page millimetres.
 constexpr double kHeadingMm = 6.5;

@@ -156,7 +156,7 @@ private slots:
             QVERIFY2(out.startsWith(QStringLiteral("Uso: mervola-cli ") + QLatin1String(command)), qPrintable(out));
             QVERIFY2(out.count(QLatin1Char('\n')) >= 4, qPrintable(out));
         }
-        QVERIFY(out.contains(QStringLiteral("--method METODO       quantile, regolari o unico")));
+        QVERIFY(out.contains(QStringLiteral("--method METODO       quantile, regolari, unico o naturali (limiti dell'utente)")));
         QCOMPARE(test::runProgram(cli, {QStringLiteral("disegna")}, nullptr, &err), 2);
         QVERIFY2(err.contains(QStringLiteral("comando sconosciuto: disegna")), qPrintable(err));
         QCOMPARE(test::runProgram(cli, {QStringLiteral("build-atlas"), QStringLiteral("--demo")}, nullptr, &err), 2);

@@ -21,6 +21,7 @@ class QToolBar;
 
 namespace mervola {
 
+struct FoundElement;
 class LegendView;
 class MapTip;
 class MapWidget;
@@ -53,6 +54,9 @@ public:
     // Selects the features of a layer matching any of the expressions
     // ("Label = 'X'"), highlights them and zooms to them; false when none.
     bool selectAndZoom(const QString &layerName, const QStringList &expressions);
+    // Makes the features of a layer the map's selection without moving the
+    // view (the rows selected in the attribute table).
+    void highlightFeatures(const QString &layerName, const std::vector<int> &features);
 
     // Saves the project through the save dialog; false when not saved.
     bool saveProjectInteractive();
@@ -109,6 +113,7 @@ private:
     void searchElement();
     void showSelection(map::MapLayer &layer, const std::vector<int> &features);
     void showElementInfo(QPointF mapPoint);
+    void selectInTable(const QList<FoundElement> &found);
     void openAttributeWindow();
     void openQueryBuilder();
     void openJoinWizard(const QString &layerName);

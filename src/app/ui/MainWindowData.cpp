@@ -2,6 +2,7 @@
 // builder) and the joins of external tables, with the map side they need.
 #include "app/Scale.h"
 #include "app/ui/MainWindow.h"
+#include "data/ElementInfo.h"
 #include "data/MapQuery.h"
 #include "data/ui/FrmDbf.h"
 #include "data/ui/FrmQuery.h"
@@ -32,6 +33,10 @@ public:
             expressions << keyField + QStringLiteral(" = ") + sqlQuote(v);
         if (!m_w.selectAndZoom(layerName, expressions))
             showMessage(MsgStyle::Information, QStringLiteral("Non è stato trovato alcun elemento"));
+    }
+    void highlightRecords(const QString &layerName, const std::vector<int> &records) override
+    {
+        m_w.highlightFeatures(layerName, records);
     }
     void attributeWindowClosed() override
     {
@@ -85,6 +90,32 @@ bool MainWindow::selectAndZoom(const QString &layerName, const QStringList &expr
     }
     showSelection(*layer, chosen);
     return true;
+}
+
+// Makes `features` the map's only selection, drawn at once above every
+// layer; the view stays where it is.
+void MainWindow::highlightFeatures(const QString &layerName, const std::vector<int> &features)
+{
+    map::MapLayer *layer = m_map->model().find(layerName);
+    if (!layer || !layer->data)
+        return;
+    for (int i = 0; i < m_map->model().layerCount(); ++i)
+        if (&m_map->model().layer(i) != layer)
+            m_map->model().layer(i).selection.clear();
+    layer->selection = features;
+    m_map->refreshSelection();
+}
+
+// The element clicked with the information tool becomes the selected row
+// of the open table window of its theme.
+void MainWindow::selectInTable(const QList<FoundElement> &found)
+{
+    FrmDbf *table = currentAttributeWindow();
+    if (!table)
+        return;
+    for (const FoundElement &e : found)
+        if (e.theme == table->layerName() && table->selectRecord(e.feature))
+            return;
 }
 
 // Makes `features` the map's only selection and zooms so that they fill most

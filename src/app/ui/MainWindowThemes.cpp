@@ -5,6 +5,7 @@
 #include "app/Scale.h"
 #include "app/Startup.h"
 #include "app/TemaLabel.h"
+#include "app/ThemeLegend.h"
 #include "app/ThemeStyle.h"
 #include "app/ui/FrmLabelProperties.h"
 #include "app/ui/MainWindow.h"
@@ -165,6 +166,7 @@ void MainWindow::printMap()
     pageContent.extent = m_map->extent();
     // The page prints the legend exactly as the panel shows it.
     pageContent.legend = m_legend->entries();
+    addFitTexts(pageContent.legend, pageContent.model);
     openMapPrintPage(this, pageContent);
 }
 
@@ -291,6 +293,7 @@ void MainWindow::showElementInfo(QPointF mapPoint)
     if (auto rows = db.query(QStringLiteral("SELECT * FROM CATEGORIE ORDER BY [Codice Categoria]")))
         for (const auto &r : rows->rows)
             categories << r.back().toString();
+    selectInTable(found);
     FrmInfor info(m_legend->activeLayerName(), std::move(found), categories, db, this);
     info.exec();
     m_map->refresh();

@@ -1,5 +1,6 @@
 #include "classify/ui/ClassificationDialog.h"
 
+#include "classify/ClassFit.h"
 #include "classify/ClassificationMethod.h"
 #include "classify/ClassifyTexts.h"
 #include "classify/ColorRamp.h"
@@ -7,13 +8,16 @@
 #include "classify/ui/HistogramWidget.h"
 #include "platform/Messages.h"
 
+#include <QCheckBox>
 #include <QColorDialog>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLinearGradient>
+#include <QLocale>
 #include <QPainter>
 #include <QPushButton>
 #include <QStandardItemModel>
@@ -101,6 +105,26 @@ void ClassificationDialog::buildUi(const QString &theme)
     m_histogram = new HistogramWidget(this);
     m_summary = new QLabel(this);
     m_summary->setObjectName(QStringLiteral("lblRiepilogo"));
+    m_gvf = new QLabel(this);
+    m_gvf->setObjectName(QStringLiteral("lblGvf"));
+    m_gvf->setToolTip(QStringLiteral("Quota della varianza dei valori spiegata dalle classi (1 = classi perfette)"));
+    m_natural = new QPushButton(QStringLiteral("Interruzioni naturali"), this);
+    m_natural->setObjectName(QStringLiteral("cmdInterruzioniNaturali"));
+    m_natural->setToolTip(QStringLiteral("Limiti che rendono le classi il più possibile omogenee (Fisher-Jenks)"));
+    m_compare = new QPushButton(QStringLiteral("Confronta metodi"), this);
+    m_compare->setObjectName(QStringLiteral("cmdConfrontaMetodi"));
+    m_compare->setCheckable(true);
+    m_comparison = new QTableWidget(0, 4, this);
+    m_comparison->setObjectName(QStringLiteral("tblConfrontaMetodi"));
+    m_comparison->setHorizontalHeaderLabels({QStringLiteral("Classi"), texts::kMethodQuantile, texts::kMethodRegolari,
+                                             QStringLiteral("Interruzioni naturali")});
+    m_comparison->verticalHeader()->hide();
+    m_comparison->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_comparison->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    m_comparison->setToolTip(QStringLiteral("Bontà dell'adattamento (GVF) di ogni metodo per numero di classi"));
+    m_comparison->hide();
+    m_logAxis = new QCheckBox(QStringLiteral("Scala logaritmica"), this);
+    m_logAxis->setObjectName(QStringLiteral("chkScalaLogaritmica"));
 
     auto *choices = new QGridLayout;
     choices->addWidget(new QLabel(QStringLiteral("Categoria:"), this), 0, 0);
@@ -113,6 +137,9 @@ void ClassificationDialog::buildUi(const QString &theme)
     choices->addWidget(m_metodo, 1, 3);
     choices->addWidget(new QLabel(QStringLiteral("Classi:"), this), 1, 4);
     choices->addWidget(m_classi, 1, 5);
+    choices->addWidget(m_natural, 1, 6);
+    choices->addWidget(m_gvf, 2, 4, 1, 3);
+    choices->addWidget(m_compare, 0, 6);
     choices->addWidget(new QLabel(QStringLiteral("Scala di colori:"), this), 2, 0);
     choices->addWidget(m_ramp, 2, 1);
     choices->addWidget(rampButton, 2, 2);
@@ -131,10 +158,14 @@ void ClassificationDialog::buildUi(const QString &theme)
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(choices);
     layout->addWidget(m_grid, 3);
+    layout->addWidget(m_comparison, 2);
     layout->addWidget(m_histogram, 2);
-    layout->addWidget(m_summary);
+    auto *bottom = new QHBoxLayout;
+    bottom->addWidget(m_summary, 1);
+    bottom->addWidget(m_logAxis);
+    layout->addLayout(bottom);
     layout->addWidget(buttons);
-    resize(620, 560);
+    resize(720, 600);
 
     fillCategories();
     fillFields();
@@ -160,6 +191,12 @@ void ClassificationDialog::buildUi(const QString &theme)
         cmdInvertiColori(m_class.classes);
         refresh();
     });
+    connect(m_natural, &QPushButton::clicked, this, &ClassificationDialog::fillNaturalBreaks);
+    connect(m_compare, &QPushButton::toggled, this, [this](bool on) {
+        m_comparison->setVisible(on);
+        refreshComparison();
+    });
+    connect(m_logAxis, &QCheckBox::toggled, m_histogram, &HistogramWidget::setLogarithmic);
     connect(m_grid, &QTableWidget::cellDoubleClicked, this, &ClassificationDialog::onCellDoubleClicked);
     connect(m_grid, &QTableWidget::cellChanged, this, &ClassificationDialog::onCellChanged);
     connect(ok, &QPushButton::clicked, this, &QDialog::accept);
@@ -242,6 +279,8 @@ void ClassificationDialog::updateChoiceStates()
     const bool classes = m_tipoLegenda->currentIndex() == 0;
     m_metodo->setEnabled(classes);
     m_classi->setEnabled(classes);
+    m_natural->setEnabled(classes);
+    m_compare->setEnabled(!text);
 }
 
 const FieldColumn *ClassificationDialog::column(const QString &field)
@@ -305,10 +344,70 @@ void ClassificationDialog::refresh()
     m_grid->setUpdatesEnabled(true);
     const FieldColumn *col = m_class.field.isEmpty() ? nullptr : column(m_class.field);
     m_histogram->setData(col ? col->sortedNumbers() : std::vector<double>{}, m_class.classes, m_class.uniqueValues);
+    // The logarithmic axis is offered when the values span more than two
+    // orders of magnitude.
+    m_logAxis->setEnabled(m_histogram->logarithmicPossible());
+    if (!m_logAxis->isEnabled())
+        m_logAxis->setChecked(false);
     m_summary->setText(m_class.classes.empty()
                            ? QStringLiteral("Nessuna classificazione")
                            : QStringLiteral("%1 classi, metodo %2").arg(m_class.classes.size()).arg(m_class.method));
+    refreshFit();
+    refreshComparison();
     m_refreshing = false;
+}
+
+void ClassificationDialog::refreshFit()
+{
+    const FieldColumn *col = m_class.field.isEmpty() ? nullptr : column(m_class.field);
+    const bool numeric = col && col->numeric && !m_class.uniqueValues;
+    m_gvf->setVisible(numeric);
+    if (numeric)
+        m_gvf->setText(gvfText(goodnessOfFit(col->sortedNumbers(), m_class.classes)));
+}
+
+void ClassificationDialog::refreshComparison()
+{
+    if (!m_comparison->isVisible())
+        return;
+    const QString field = currentField();
+    const int classes = m_classi->currentData().toInt();
+    const QString key = field + QLatin1Char('^') + QString::number(classes);
+    if (key == m_comparedKey)
+        return;
+    m_comparedKey = key;
+    const FieldColumn *col = column(field);
+    const std::vector<MethodFit> rows = col ? compareMethods(*col, classes) : std::vector<MethodFit>{};
+    m_comparison->setRowCount(int(rows.size()));
+    const QLocale italian(QLocale::Italian);
+    auto cell = [&](std::optional<double> v) {
+        auto *item = new QTableWidgetItem(v ? italian.toString(*v, 'f', 3) : QStringLiteral("-"));
+        item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        return item;
+    };
+    for (int i = 0; i < int(rows.size()); ++i) {
+        const MethodFit &r = rows[size_t(i)];
+        auto *count = new QTableWidgetItem(QString::number(r.classes));
+        count->setTextAlignment(Qt::AlignCenter);
+        m_comparison->setItem(i, 0, count);
+        m_comparison->setItem(i, 1, cell(r.quantile));
+        m_comparison->setItem(i, 2, cell(r.regular));
+        m_comparison->setItem(i, 3, cell(r.natural));
+    }
+}
+
+void ClassificationDialog::fillNaturalBreaks()
+{
+    const FieldColumn *col = column(currentField());
+    if (!col || !col->numeric)
+        return;
+    Classification c = naturalBreaksClassification(*col, m_classi->currentData().toInt(), m_ramp->currentIndex());
+    if (c.isEmpty())
+        return;
+    c.methodIndex = m_metodo->currentIndex();
+    m_class = std::move(c);
+    m_shown = currentChoices();
+    refresh();
 }
 
 void ClassificationDialog::onCellDoubleClicked(int row, int col)
@@ -336,6 +435,15 @@ void ClassificationDialog::editLimits(int row)
         m_refreshing = true;
         m_grid->item(row, ColValore)->setText(text);
         m_refreshing = false;
+        // The fit follows the limits while they are typed.
+        double lo = 0, hi = 0;
+        const FieldColumn *col = column(m_class.field);
+        if (col && parseRangeText(text, &lo, &hi)) {
+            std::vector<ClassRange> trial = m_class.classes;
+            trial[size_t(row)].lower = lo;
+            trial[size_t(row)].upper = hi;
+            m_gvf->setText(gvfText(goodnessOfFit(col->sortedNumbers(), trial)));
+        }
     });
     if (dialog.exec() == QDialog::Accepted)
         applyLimits(row, dialog.valueText());

@@ -12,8 +12,10 @@
 #include <QMap>
 #include <functional>
 
+class QCheckBox;
 class QComboBox;
 class QLabel;
+class QPushButton;
 class QTableWidget;
 
 namespace mervola::classify {
@@ -47,6 +49,9 @@ public:
     void classify();
     // Opens the class limits editor on a class row (modal).
     void editLimits(int row);
+    // Fills the grid with the natural breaks of the field in the chosen
+    // number of classes, as limits of the user's own ("PERSONALI").
+    void fillNaturalBreaks();
 
 private:
     void buildUi(const QString &theme);
@@ -72,6 +77,9 @@ private:
     void showChoices(const Choices &c);
     // Method and class count only apply to classes; "Classi" only to numbers.
     void updateChoiceStates();
+    // The GVF label and, when shown, the method comparison.
+    void refreshFit();
+    void refreshComparison();
 
     QList<CandidateField> m_fields;
     FieldValuesFn m_values;
@@ -89,6 +97,12 @@ private:
     QTableWidget *m_grid = nullptr;
     HistogramWidget *m_histogram = nullptr;
     QLabel *m_summary = nullptr;
+    QLabel *m_gvf = nullptr;
+    QPushButton *m_natural = nullptr;
+    QPushButton *m_compare = nullptr;
+    QTableWidget *m_comparison = nullptr;
+    QCheckBox *m_logAxis = nullptr;
+    QString m_comparedKey; // field and class count the comparison shows
 };
 
 }  // namespace mervola::classify

@@ -22,12 +22,15 @@
 #include <QPointer>
 #include <QPrinterInfo>
 #include <QPushButton>
+#include <QSet>
 #include <QStatusBar>
 #include <QStyle>
 #include <QTableView>
 #include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
 
 namespace mervola {
 
@@ -44,6 +47,7 @@ void AttributeTableHost::printTable(QWidget *, const TablePrintout &)
 {
     showMessage(MsgStyle::Information, texts::kNotAvailable);
 }
+void AttributeTableHost::highlightRecords(const QString &, const std::vector<int> &) {}
 void AttributeTableHost::openJoin(const QString &) { showMessage(MsgStyle::Information, texts::kNotAvailable); }
 
 namespace {
@@ -222,12 +226,22 @@ void FrmDbf::buildGrid()
     connect(m_grid->horizontalHeader(), &QHeaderView::sectionClicked, this, &FrmDbf::columnClicked);
     connect(m_grid->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this](const QItemSelection &selected, const QItemSelection &deselected) {
-                for (const QModelIndex &i : deselected.indexes())
-                    m_selectionOrder.removeAll(i.row());
-                for (const QModelIndex &i : selected.indexes())
-                    if (!m_selectionOrder.contains(i.row()))
-                        m_selectionOrder.append(i.row());
-                m_timer->start();
+                // Row sets, not list scans: selecting thousands of rows
+                // (one index per cell) stays instant.
+                QSet<int> gone;
+                for (const QItemSelectionRange &r : deselected)
+                    for (int row = r.top(); row <= r.bottom(); ++row)
+                        gone.insert(row);
+                if (!gone.isEmpty())
+                    m_selectionOrder.removeIf([&gone](int row) { return gone.contains(row); });
+                QSet<int> have(m_selectionOrder.cbegin(), m_selectionOrder.cend());
+                for (const QItemSelectionRange &r : selected)
+                    for (int row = r.top(); row <= r.bottom(); ++row)
+                        if (!have.contains(row)) {
+                            have.insert(row);
+                            m_selectionOrder.append(row);
+                        }
+                selectionChanged();
             });
 }
 
@@ -285,6 +299,46 @@ void FrmDbf::updateSelectionCount()
 {
     m_timer->stop();
     m_chartPanel->setSelectedCount(int(selectedRows().size()));
+    followChart();
+}
+
+void FrmDbf::selectionChanged()
+{
+    // The map follows at once; the count and the chart after a short pause.
+    std::vector<int> records;
+    records.reserve(size_t(m_selectionOrder.size()));
+    for (int row : std::as_const(m_selectionOrder))
+        if (row >= 0 && row < m_table->shownCount())
+            records.push_back(m_table->rows()[size_t(row)]);
+    std::sort(records.begin(), records.end());
+    m_host.highlightRecords(m_source.layerName, records);
+    m_timer->start();
+}
+
+void FrmDbf::followChart()
+{
+    // A chart opened from this window redraws for the new selection while
+    // the selection stays within what a chart can show (1 to 10 rows).
+    const int count = int(selectedRows().size());
+    if (m_chartField.isEmpty() || count < 1 || count > 10)
+        return;
+    for (FrmGrafico *chart : findChildren<FrmGrafico *>())
+        if (chart->isVisible())
+            chart->setSeriesFor(windowState(), m_chartField);
+}
+
+bool FrmDbf::selectRecord(int record)
+{
+    if (!m_table)
+        return false;
+    const auto &rows = m_table->rows();
+    const auto it = std::find(rows.begin(), rows.end(), record);
+    if (it == rows.end())
+        return false;
+    const int row = int(it - rows.begin());
+    m_grid->selectRow(row);
+    m_grid->scrollTo(m_model->index(row, 0), QAbstractItemView::PositionAtCenter);
+    return true;
 }
 
 QList<int> FrmDbf::selectedRows() const { return m_selectionOrder; }
@@ -447,6 +501,7 @@ void FrmDbf::showChart()
         showMessage(MsgStyle::Information, s.errorMessage());
         return;
     }
+    m_chartField = field;
     m_host.openChart(this, windowState(), field, m_chartPanel->typeIndex(), m_chartPanel->isThreeD());
 }
 
@@ -460,6 +515,11 @@ void attributeTableChanged(const QString &layerName, bool joined)
 {
     if (FrmDbf *open = openWindow(); open && open->layerName() == layerName)
         open->tableChanged(joined);
+}
+
+FrmDbf *currentAttributeWindow()
+{
+    return openWindow();
 }
 
 FrmDbf *openAttributeTable(QWidget *parent, AttributeTableHost &host, const DbfWindowSource &source)

@@ -54,6 +54,10 @@ public:
                            const QStringList &keyValues) = 0;
     // The window closed: enable the "dbf" button again, raise the main window.
     virtual void attributeWindowClosed() = 0;
+    // The rows selected in the table changed: highlight these records
+    // (feature numbers) of `layerName` on the map at once, without moving
+    // the view. Nothing by default.
+    virtual void highlightRecords(const QString &layerName, const std::vector<int> &records);
     // Windows opened from the table, over the table window `parent`: by
     // default the statistics and chart windows; printing and the join say
     // they are not available yet.
@@ -92,6 +96,10 @@ public:
     // is read again and the caption tells whether it carries external data.
     void tableChanged(bool joined);
 
+    // Selects the grid row of a record (an element clicked on the map) and
+    // scrolls to it; false when the record is not among the rows shown.
+    bool selectRecord(int record);
+
     // Called by the table query after a filter was set or dropped.
     void queryApplied(bool found);
     // The column set-up: captions, DUMMY and the category's columns, widths kept.
@@ -114,6 +122,8 @@ private:
     void showOnMap();
     void showChart();
     void updateSelectionCount();
+    void selectionChanged();
+    void followChart();
     QList<int> selectedRows() const;
 
     AttributeTableHost &m_host;
@@ -133,12 +143,15 @@ private:
     QLabel *m_infoOn = nullptr;
     FrmGraficoPanel *m_chartPanel = nullptr;
     QTimer *m_timer = nullptr;
+    QString m_chartField; // indicator of the chart opened from this window
 };
 
 // Opens the attribute table window of a theme (or raises the one already
 // open) and shows it without blocking. Returns nullptr, after the message,
 // when the table cannot be read.
 FrmDbf *openAttributeTable(QWidget *parent, AttributeTableHost &host, const DbfWindowSource &source);
+// The attribute table window open now, or nullptr.
+FrmDbf *currentAttributeWindow();
 
 // Tells the open attribute table window, when it shows `layerName`, that
 // its table changed (see FrmDbf::tableChanged).

@@ -151,6 +151,18 @@ FrmGrafico *openChart(QWidget *parent, const DbfTable &table, const QString &fie
     return window;
 }
 
+namespace
+{
+
+// The indicator's caption in the window: its column header.
+QString captionOf(const DbfWindowState &state, const QString &field)
+{
+    const int shown = int(state.visibleFields.indexOf(field));
+    return shown >= 0 ? state.visibleCaptions.value(shown) : QString();
+}
+
+} // namespace
+
 FrmGrafico *openChartFor(QWidget *parent, const DbfWindowState &state, const QString &field, int typeIndex, bool threeD)
 {
     DbfFolder folder(state.folder);
@@ -160,9 +172,26 @@ FrmGrafico *openChartFor(QWidget *parent, const DbfWindowState &state, const QSt
         return nullptr;
     }
     const QList<int> rows(state.selectedRecords.begin(), state.selectedRecords.end());
-    const int shown = int(state.visibleFields.indexOf(field));
-    const QString caption = shown >= 0 ? state.visibleCaptions.value(shown) : QString();
-    return openChart(parent, *table, field, caption, rows, typeIndex, threeD);
+    return openChart(parent, *table, field, captionOf(state, field), rows, typeIndex, threeD);
+}
+
+void FrmGrafico::setSeriesFor(const DbfWindowState &state, const QString &field)
+{
+    DbfFolder folder(state.folder);
+    auto table = folder.table(state.table);
+    if (!table)
+        return;
+    const QList<int> rows(state.selectedRecords.begin(), state.selectedRecords.end());
+    Result<ChartSeries> series = chartSeries(*table, field, rows);
+    if (!series)
+        return;
+    if (const QString caption = captionOf(state, field); !caption.isEmpty())
+        series->caption = caption;
+    // A pie holds at most five slices: it keeps its picture beyond them.
+    if (m_kind == ChartKind::Pie && series->points.size() > 5)
+        return;
+    m_series = std::move(*series);
+    rebuild();
 }
 
 } // namespace mervola

@@ -17,6 +17,8 @@ class QVBoxLayout;
 namespace mervola
 {
 
+struct DbfWindowState;
+
 class FrmGrafico : public QDialog
 {
     Q_OBJECT
@@ -24,6 +26,7 @@ public:
     FrmGrafico(ChartSeries series, ChartKind kind, bool threeD, QWidget *parent = nullptr);
 
     ChartKind kind() const { return m_kind; }
+    const ChartSeries &series() const { return m_series; }
     bool isThreeD() const { return m_threeD; }
     LabelFormat labelFormat() const { return m_format; }
     void setLabelFormat(LabelFormat format);
@@ -32,6 +35,8 @@ public:
 
     // Print preview of the chart; refused without a printer.
     void preview();
+    // Draws the chart again over the rows selected in an attribute window.
+    void setSeriesFor(const DbfWindowState &state, const QString &field);
 
 private:
     void rebuild();

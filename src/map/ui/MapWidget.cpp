@@ -59,17 +59,41 @@ QImage MapWidget::exportImage(QSize size) const
     return map::MapRenderer::renderImage(m_model, extent(), size, m_options);
 }
 
+void MapWidget::refreshSelection()
+{
+    m_selectionDirty = true;
+    update();
+}
+
 void MapWidget::ensurePicture()
 {
-    if (!m_dirty && m_picture.size() == size())
-        return;
     const qreal dpr = devicePixelRatioF();
     const QSize device = (QSizeF(size()) * dpr).toSize();
-    m_picture = map::MapRenderer::renderImage(m_model, extent(), device, m_options);
+    if (m_dirty || m_layers.size() != device) {
+        // The layers are kept apart so that a new selection redraws only
+        // the highlight and the labels above them.
+        map::RenderOptions layersOnly = m_options;
+        layersOnly.selection = false;
+        layersOnly.labels = false;
+        m_layers = map::MapRenderer::renderImage(m_model, extent(), device, layersOnly);
+        m_pictureTransform = transform();
+        m_dirty = false;
+        m_selectionDirty = true;
+        ++m_renderCount;
+    }
+    if (!m_selectionDirty)
+        return;
+    m_picture = m_layers;
+    {
+        QPainter p(&m_picture);
+        p.setRenderHint(QPainter::Antialiasing, m_options.antialias);
+        const map::MapTransform t(extent(), device);
+        map::MapRenderer::paintSelections(p, m_model, t, m_options);
+        if (m_options.labels)
+            map::MapRenderer::paintLabels(p, m_model, t);
+    }
     m_picture.setDevicePixelRatio(dpr);
-    m_pictureTransform = transform();
-    m_dirty = false;
-    ++m_renderCount;
+    m_selectionDirty = false;
 }
 
 void MapWidget::paintEvent(QPaintEvent *)

@@ -36,6 +36,9 @@ public:
 
     // Re-renders after a change of layers, renderers, labels or selection.
     void refresh();
+    // Redraws after a change of the selection alone: the layers already
+    // drawn are kept, only the highlight and the labels go on again.
+    void refreshSelection();
     // The current extent rendered at `size` (the map's shape kept).
     QImage exportImage(QSize size) const;
 
@@ -69,8 +72,10 @@ private:
     map::RenderOptions m_options;
     Mode m_mode = Mode::None;
     QImage m_picture;
+    QImage m_layers; // the layers alone, under the highlight and labels
     map::MapTransform m_pictureTransform;
     bool m_dirty = true;
+    bool m_selectionDirty = false;
     int m_renderCount = 0;
     // Drag state.
     bool m_dragging = false;

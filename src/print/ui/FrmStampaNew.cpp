@@ -4,6 +4,7 @@
 #include "platform/ui/LastFolder.h"
 #include "platform/ui/ScreenFit.h"
 
+#include <QCheckBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QFormLayout>
@@ -133,6 +134,13 @@ void FrmStampaNew::buildControls()
     of->addWidget(m_portrait);
     of->addWidget(m_landscape);
 
+    // The fit of each classification, under its classes in the legend.
+    auto *fraLegenda = new QGroupBox(QStringLiteral("Legenda"), this);
+    m_fit = new QCheckBox(QStringLiteral("Bontà dell'adattamento (&GVF) delle classi"), fraLegenda);
+    m_fit->setObjectName(QStringLiteral("chkGvf"));
+    auto *lf = new QVBoxLayout(fraLegenda);
+    lf->addWidget(m_fit);
+
     auto *cmdStampa = new QPushButton(QStringLiteral("&Stampa..."), this);
     cmdStampa->setObjectName(QStringLiteral("cmdStampa"));
     auto *cmdSalvaPdf = new QPushButton(QStringLiteral("Salva &PDF..."), this);
@@ -149,6 +157,7 @@ void FrmStampaNew::buildControls()
     side->addWidget(fraTitolo);
     side->addWidget(fraTesto);
     side->addWidget(fraOrientamento);
+    side->addWidget(fraLegenda);
     side->addStretch(1);
     auto *sideWidget = new QWidget(this);
     sideWidget->setLayout(side);
@@ -172,6 +181,12 @@ void FrmStampaNew::buildControls()
         if (on && !m_writing)
             setOrientation(QPageLayout::Landscape);
     });
+    connect(m_fit, &QCheckBox::toggled, this, [this](bool on) {
+        if (m_writing)
+            return;
+        m_content.legendFit = on;
+        schedulePreview();
+    });
     connect(cmdFontTitolo, &QPushButton::clicked, this, [this] { cmdFontTitolo_Click(); });
     connect(cmdModMappa, &QPushButton::clicked, this, [this] { cmdModMappa_Click(); });
     connect(cmdModTesto, &QPushButton::clicked, this, [this] { cmdModTesto_Click(); });
@@ -193,6 +208,7 @@ void FrmStampaNew::writeControls()
         m_date->setText(m_content.dateText);
     m_portrait->setChecked(m_content.orientation == QPageLayout::Portrait);
     m_landscape->setChecked(m_content.orientation == QPageLayout::Landscape);
+    m_fit->setChecked(m_content.legendFit);
     m_writing = false;
 }
 

@@ -12,6 +12,7 @@
 #include <QDialog>
 #include <memory>
 
+class QCheckBox;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
@@ -58,6 +59,7 @@ private:
     QLabel *m_titleFont = nullptr;
     QPlainTextEdit *m_text = nullptr;
     QLineEdit *m_date = nullptr;
+    QCheckBox *m_fit = nullptr;
     QRadioButton *m_portrait = nullptr;
     QRadioButton *m_landscape = nullptr;
     QTimer *m_previewTimer = nullptr;

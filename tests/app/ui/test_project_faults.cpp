@@ -7,7 +7,7 @@
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
 #include "support/MountSupport.h"
-#include "support/TestSupport.h"
+#include "support/UiSupport.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>
@@ -22,6 +22,7 @@
 #include <QtTest>
 
 using namespace mervola;
+using mervola::test::showLoaded;
 
 namespace
 {
@@ -112,15 +113,6 @@ QByteArray manyThemes(const QString &home, int count)
               << QStringLiteral("BASE=citta.shp^") + name + QLatin1Char('^') << QStringLiteral("VISIBILE=1");
     }
     return lines.join(QLatin1Char('\n')).toUtf8();
-}
-
-bool showLoaded(MainWindow &w)
-{
-    if (!w.load())
-        return false;
-    w.resize(1000, 700);
-    w.show();
-    return QTest::qWaitForWindowExposed(&w);
 }
 
 } // namespace

@@ -13,7 +13,7 @@
 #include "platform/ui/LegendView.h"
 #include "print/ui/FrmFont.h"
 #include "print/ui/FrmStampaNew.h"
-#include "support/TestSupport.h"
+#include "support/UiSupport.h"
 
 #include <QAction>
 #include <QApplication>
@@ -32,26 +32,17 @@
 #include <functional>
 
 using namespace mervola;
+using mervola::test::classifyThroughLegend;
+using mervola::test::choose;
+using mervola::test::doubleClick;
+using mervola::test::legendIndex;
+using mervola::test::pdfText;
+using mervola::test::showLoaded;
+using mervola::test::snapshot;
+using mervola::test::whenModal;
+using mervola::test::yellowPixels;
 
 namespace {
-
-// Runs `fn` on the next modal window of type T once it is shown.
-template <class T>
-void whenModal(std::function<void(T *)> fn, int tries = 400)
-{
-    QTimer::singleShot(25, [fn, tries] {
-        if (auto *w = qobject_cast<T *>(QApplication::activeModalWidget())) {
-            fn(w);
-            // A check that failed inside leaves the window open: close it.
-            if (QTest::currentTestFailed())
-                if (auto *d = qobject_cast<QDialog *>(w); d && d->isVisible())
-                    d->reject();
-            return;
-        }
-        if (tries > 0)
-            whenModal<T>(fn, tries - 1);
-    });
-}
 
 // Answers the next file dialog with `path`, the file type `filter` chosen.
 void answerFileDialog(const QString &path, const QString &filter = QString())
@@ -75,29 +66,6 @@ void answerFileDialog(const QString &path, const QString &filter = QString())
     });
 }
 
-void choose(QComboBox *box, const QString &text)
-{
-    const int i = box->findText(text);
-    QVERIFY2(i >= 0, qPrintable(text));
-    box->setCurrentIndex(i);
-    emit box->activated(i);
-}
-
-int legendIndex(const LegendView *legend, const QString &layer)
-{
-    for (int i = 0; i < legend->entryCount(); ++i)
-        if (legend->layerNameAt(i) == layer)
-            return i;
-    return -1;
-}
-
-// A double click as the mouse gives it: press, release, then the double click.
-void doubleClick(QWidget *w, QPoint at)
-{
-    QTest::mouseClick(w, Qt::LeftButton, {}, at);
-    QTest::mouseDClick(w, Qt::LeftButton, {}, at);
-}
-
 QStringList legendLines(const LegendView *legend, const QString &layer)
 {
     QStringList out;
@@ -114,26 +82,6 @@ QByteArray messages(const MessageRecorder &rec)
     for (const auto &e : rec.entries())
         texts << e.text;
     return texts.join(QStringLiteral(" | ")).toUtf8();
-}
-
-int yellowPixels(const QImage &image)
-{
-    int n = 0;
-    const QImage rgb = image.convertToFormat(QImage::Format_RGB32);
-    for (int y = 0; y < rgb.height(); ++y)
-        for (int x = 0; x < rgb.width(); ++x) {
-            const QRgb p = rgb.pixel(x, y);
-            n += qRed(p) >= 250 && qGreen(p) >= 250 && qBlue(p) <= 10;
-        }
-    return n;
-}
-
-QString pdfText(const QString &pdf)
-{
-    QString out, err;
-    if (test::runProgram(QStringLiteral("pdftotext"), {QStringLiteral("-raw"), pdf, QStringLiteral("-")}, &out, &err) != 0)
-        qWarning("pdftotext: %s", qPrintable(err));
-    return out;
 }
 
 QImage pdfImage(const QString &pdf)
@@ -162,14 +110,6 @@ QString scaleLine(const QString &text)
         if (line.trimmed().startsWith(QStringLiteral("Scala 1:")))
             return line.trimmed();
     return {};
-}
-
-// Saves a picture of a window when MERVOLA_SCREENSHOT_DIR is set.
-void snapshot(QWidget *w, const QString &name)
-{
-    const QString dir = qEnvironmentVariable("MERVOLA_SCREENSHOT_DIR");
-    if (!dir.isEmpty())
-        w->window()->grab().save(dir + QLatin1Char('/') + name + QStringLiteral(".png"));
 }
 
 void snapshotPdf(const QString &pdf, const QString &name)
@@ -207,28 +147,6 @@ class TestViewRealAtlas : public QObject {
     Q_OBJECT
     QTemporaryDir m_dir;
     AtlasHome m_home;
-
-    bool showLoaded(MainWindow &w)
-    {
-        if (!w.load())
-            return false;
-        w.resize(1000, 700);
-        w.show();
-        return QTest::qWaitForWindowExposed(&w);
-    }
-
-    // Opens the classification window of `layer` by double-clicking its
-    // legend entry and runs `fn` in it.
-    void classifyThroughLegend(MainWindow &w, const QString &layer,
-                               std::function<void(classify::ClassificationDialog *)> fn)
-    {
-        LegendView *legend = w.legend();
-        const int index = legendIndex(legend, layer);
-        QVERIFY2(index >= 0, qPrintable(layer));
-        whenModal<classify::ClassificationDialog>(fn);
-        const QRect r = legend->visualItemRect(legend->topLevelItem(index));
-        doubleClick(legend->viewport(), r.center());
-    }
 
 private slots:
     void initTestCase()

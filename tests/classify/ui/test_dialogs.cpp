@@ -6,8 +6,10 @@
 #include "classify/ui/FrmModFlx.h"
 #include "classify/ui/LegendEditor.h"
 #include "platform/Messages.h"
+#include "support/FitSupport.h"
 
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -41,6 +43,19 @@ FieldColumn oneToTwenty(const QString &field)
         c.numbers.push_back(i);
     c.numbers.push_back(FieldColumn::null());
     return c;
+}
+
+// The GVF label a user reads for values 1 .. 20 under the grid's upper
+// limits, computed here value by value.
+QString expectedGvf(const QTableWidget *grid)
+{
+    std::vector<double> uppers, values;
+    for (int row = 0; row < grid->rowCount(); ++row)
+        uppers.push_back(grid->item(row, 1)->text().section(QStringLiteral(" - "), 1).toDouble());
+    for (int v = 1; v <= 20; ++v)
+        values.push_back(v);
+    return QStringLiteral("Bontà dell'adattamento (GVF): ") +
+           QLocale(QLocale::Italian).toString(test::gvfByUpperLimits(values, uppers), 'f', 2);
 }
 
 // Saves a picture of the widget when MERVOLA_SCREENSHOT_DIR is set.
@@ -235,13 +250,23 @@ void TestDialogs::editingLimitsMakesPersonali()
                              [](const QString &f) -> Result<FieldColumn> { return oneToTwenty(f); }, current);
     auto *grid = dlg.findChild<QTableWidget *>(QStringLiteral("flxSimboli"));
     QCOMPARE(grid->rowCount(), 4);
-    QTimer::singleShot(0, &dlg, [&dlg] {
+    auto *gvf = dlg.findChild<QLabel *>(QStringLiteral("lblGvf"));
+    const QString before = gvf->text();
+    QCOMPARE(before, expectedGvf(grid));
+    QString whileTyping;
+    QTimer::singleShot(0, &dlg, [&dlg, gvf, &whileTyping] {
         auto *editor = dlg.findChild<FrmModFlx *>();
         QVERIFY(editor);
-        retype(editor->findChild<QLineEdit *>(QStringLiteral("txtEstremoSuperiore")), QStringLiteral("8"));
+        auto *upper = editor->findChild<QLineEdit *>(QStringLiteral("txtEstremoSuperiore"));
+        retype(upper, QStringLiteral("8"));
+        leave(upper); // the grid and the fit follow the box as it is left
+        whileTyping = gvf->text();
         editor->findChild<QPushButton *>(QStringLiteral("cmdOk"))->click();
     });
     dlg.editLimits(0);
+    QCOMPARE(gvf->text(), expectedGvf(grid));
+    QVERIFY(gvf->text() != before);
+    QCOMPARE(whileTyping, gvf->text());
     QCOMPARE(grid->item(0, 1)->text(), QStringLiteral("1 - 8"));
     QCOMPARE(grid->item(0, 2)->text(), QStringLiteral("1 - 8"));
     QCOMPARE(grid->item(0, 3)->text(), QStringLiteral("8"));
