@@ -52,6 +52,38 @@ const char *const kClassifyHelp = "Calcola le classi di un campo di un tema con 
                                   "  --classes N           numero di classi (predefinito 5)\n"
                                   "  --ramp N              scala di colori\n";
 
+const char *const kJoinHelp = "Collega una tabella esterna alla tabella del tema, come la procedura\n"
+                              "\"Collega fonte dati esterna\": i campi scelti si aggiungono alla tabella\n"
+                              "del tema, il collegamento si registra nel database di riferimento e nel\n"
+                              "file delle impostazioni del tema.\n"
+                              "\n"
+                              "  --home CARTELLA     cartella dell'atlante\n"
+                              "  --theme TEMA        tema a cui collegare i dati (es. comuni, cmont_05)\n"
+                              "  --source FILE       tabella esterna: Access (.mdb), dBase (.dbf) o testo\n"
+                              "                      (.txt, .csv; separatore punto e virgola, tabulazione\n"
+                              "                      o virgola; virgola decimale ammessa)\n"
+                              "  --table TABELLA     tabella del database Access (obbligatoria per .mdb)\n"
+                              "  --theme-key CAMPO   campo di collegamento del tema (nome del campo o\n"
+                              "                      descrizione, es. COD_ISTAT o \"Codice ISTAT\")\n"
+                              "  --source-key CAMPO  campo di collegamento della tabella esterna (testo)\n"
+                              "  --fields C1,C2,...  campi da collegare, ciascuno anche come CAMPO=alias;\n"
+                              "                      senza questa opzione tutti i campi importabili\n"
+                              "\n"
+                              "Un campo con lo stesso nome di un campo del tema prende il nome \"z\" + nome.\n"
+                              "Esce con 0 se il collegamento riesce; altrimenti scrive il messaggio\n"
+                              "sull'errore standard, esce con 1 e non modifica nulla.\n";
+
+const char *const kUnjoinHelp = "Elimina il collegamento con dati esterni del tema, come \"Elimina Join\":\n"
+                                "la tabella del tema torna quella originale, le registrazioni del\n"
+                                "collegamento si cancellano e un tema classificato su un campo collegato\n"
+                                "torna al suo simbolo semplice.\n"
+                                "\n"
+                                "  --home CARTELLA     cartella dell'atlante\n"
+                                "  --theme TEMA        tema da scollegare\n"
+                                "\n"
+                                "Esce con 0 se il collegamento è stato eliminato; altrimenti scrive il\n"
+                                "messaggio sull'errore standard, esce con 1 e non modifica nulla.\n";
+
 void printUsage(FILE *to)
 {
     QTextStream out(to);
@@ -80,10 +112,10 @@ const std::vector<Command> &commands()
          "classify --home DIR --theme NOME --field CAMPO --method quantile|regolari|unico|naturali [--classes N] [--ramp N]",
          cmdClassify, kClassifyHelp},
         {"join",
-         "join --home DIR --theme NOME --source FILE [--table TABELLA] --theme-key CAMPO --source-key CAMPO "
+         "join --home CARTELLA --theme TEMA --source FILE [--table TABELLA] --theme-key CAMPO --source-key CAMPO "
          "[--fields C1,C2,...]",
-         cmdJoin},
-        {"unjoin", "unjoin --home DIR --theme NOME", cmdUnjoin},
+         cmdJoin, kJoinHelp},
+        {"unjoin", "unjoin --home CARTELLA --theme TEMA", cmdUnjoin, kUnjoinHelp},
     };
     return list;
 }

@@ -1,6 +1,7 @@
 // mervola-cli join / unjoin: an external table joined to a theme's table,
 // and removed again, with the checks, messages and roll-back of the join
-// wizard and of "Elimina Join".
+// wizard and of "Elimina Join". They run in the tools module, since reading
+// a user's dBase or Access table needs GDAL and mdbtools.
 #include "cli/Commands.h"
 #include "platform/AtlasHome.h"
 #include "project/JoinScript.h"
@@ -12,43 +13,6 @@ namespace mervola::cli
 
 namespace
 {
-
-const char *const kJoinHelp = "Uso: mervola-cli join --home CARTELLA --theme TEMA --source FILE [--table TABELLA]\n"
-                              "                      --theme-key CAMPO --source-key CAMPO [--fields C1,C2,...]\n"
-                              "\n"
-                              "Collega una tabella esterna alla tabella del tema, come la procedura\n"
-                              "\"Collega fonte dati esterna\": i campi scelti si aggiungono alla tabella\n"
-                              "del tema, il collegamento si registra nel database di riferimento e nel\n"
-                              "file delle impostazioni del tema.\n"
-                              "\n"
-                              "  --home CARTELLA     cartella dell'atlante\n"
-                              "  --theme TEMA        tema a cui collegare i dati (es. comuni, cmont_05)\n"
-                              "  --source FILE       tabella esterna: Access (.mdb), dBase (.dbf) o testo\n"
-                              "                      (.txt, .csv; separatore punto e virgola, tabulazione\n"
-                              "                      o virgola; virgola decimale ammessa)\n"
-                              "  --table TABELLA     tabella del database Access (obbligatoria per .mdb)\n"
-                              "  --theme-key CAMPO   campo di collegamento del tema (nome del campo o\n"
-                              "                      descrizione, es. COD_ISTAT o \"Codice ISTAT\")\n"
-                              "  --source-key CAMPO  campo di collegamento della tabella esterna (testo)\n"
-                              "  --fields C1,C2,...  campi da collegare, ciascuno anche come CAMPO=alias;\n"
-                              "                      senza questa opzione tutti i campi importabili\n"
-                              "\n"
-                              "Un campo con lo stesso nome di un campo del tema prende il nome \"z\" + nome.\n"
-                              "Esce con 0 se il collegamento riesce; altrimenti scrive il messaggio\n"
-                              "sull'errore standard, esce con 1 e non modifica nulla.\n";
-
-const char *const kUnjoinHelp = "Uso: mervola-cli unjoin --home CARTELLA --theme TEMA\n"
-                                "\n"
-                                "Elimina il collegamento con dati esterni del tema, come \"Elimina Join\":\n"
-                                "la tabella del tema torna quella originale, le registrazioni del\n"
-                                "collegamento si cancellano e un tema classificato su un campo collegato\n"
-                                "torna al suo simbolo semplice.\n"
-                                "\n"
-                                "  --home CARTELLA     cartella dell'atlante\n"
-                                "  --theme TEMA        tema da scollegare\n"
-                                "\n"
-                                "Esce con 0 se il collegamento è stato eliminato; altrimenti scrive il\n"
-                                "messaggio sull'errore standard, esce con 1 e non modifica nulla.\n";
 
 int refuse(const QString &message)
 {
@@ -68,10 +32,6 @@ Result<AtlasHome> homeOf(const QStringList &args)
 
 int cmdJoin(const QStringList &args)
 {
-    if (flag(args, QStringLiteral("--help"))) {
-        std::fputs(kJoinHelp, stdout);
-        return 0;
-    }
     ScriptedJoin join;
     join.theme = option(args, QStringLiteral("--theme"));
     join.source = option(args, QStringLiteral("--source"));
@@ -99,10 +59,6 @@ int cmdJoin(const QStringList &args)
 
 int cmdUnjoin(const QStringList &args)
 {
-    if (flag(args, QStringLiteral("--help"))) {
-        std::fputs(kUnjoinHelp, stdout);
-        return 0;
-    }
     const QString theme = option(args, QStringLiteral("--theme"));
     if (theme.isEmpty())
         return fail(QStringLiteral("occorre --theme (mervola-cli unjoin --help)"));

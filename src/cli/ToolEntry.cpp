@@ -17,6 +17,8 @@ constexpr Tool kTools[] = {
     {"build-atlas", mervola::cli::cmdBuildAtlas},
     {"sql", mervola::cli::cmdSql},
     {"classify", mervola::cli::cmdClassify},
+    {"join", mervola::cli::cmdJoin},
+    {"unjoin", mervola::cli::cmdUnjoin},
 };
 
 } // namespace

@@ -83,5 +83,13 @@ int cmdClassify(const QStringList &args)
 {
     return runTool("classify", args);
 }
+int cmdJoin(const QStringList &args)
+{
+    return runTool("join", args);
+}
+int cmdUnjoin(const QStringList &args)
+{
+    return runTool("unjoin", args);
+}
 
 } // namespace mervola::cli

@@ -1,6 +1,6 @@
 #pragma once
 // The sub-commands that need GDAL (building the atlas, SQL on dBase tables,
-// classifying a theme) live in the module mervola-cli-tools.so, loaded only
+// classifying a theme, joining a user's table) live in the module mervola-cli-tools.so, loaded only
 // when one of them runs: `mervola-cli render` starts without GDAL and the
 // hundred libraries it brings. The module sits beside the executable, or in
 // ../lib/mervola/ from it.
