@@ -233,8 +233,11 @@ int cmdRender(const QStringList &args)
     Status loaded;
     if (!project.isEmpty()) {
         loaded = loadProjectView(project, home, model);
-        if (auto parsed = readProjectFile(project))
-            content = *parsed;
+        // Only region maps need the project's sections again (their themes'
+        // settings); a single map is drawn without reading the file twice.
+        if (!jobs.empty())
+            if (auto parsed = readProjectFile(project))
+                content = *parsed;
     } else {
         loaded = loadDefaultAtlas(home, model);
     }
