@@ -66,25 +66,11 @@ inline void onDialog(const char *className, std::function<void(QWidget *)> steps
 }
 
 // Answers the next file dialog with `path`, the file type `filter` chosen
-// first. The dialog fills its name box while it reads the folder, so the
-// name is typed once the dialog has settled.
+// first, as a user types the name.
 inline void answerFileDialog(const QString &path, const QString &filter = {})
 {
     onDialog("QFileDialog", [path, filter](QWidget *w) {
-        auto *d = static_cast<QFileDialog *>(w);
-        if (!filter.isEmpty())
-            d->selectNameFilter(filter);
-        auto settle = std::make_shared<std::function<void(int)>>();
-        *settle = [d, path, settle](int tries) {
-            if (auto *name = d->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
-                name->setText(path);
-            if (d->selectedFiles().value(0) == path || tries == 0) {
-                QMetaObject::invokeMethod(d, "accept");
-                return;
-            }
-            QTimer::singleShot(25, d, [settle, tries] { (*settle)(tries - 1); });
-        };
-        QTimer::singleShot(100, d, [settle] { (*settle)(40); });
+        test::typeIntoFileDialog(static_cast<QFileDialog *>(w), path, filter);
     });
 }
 

@@ -14,6 +14,8 @@
 #include "platform/dbf/DbfFolder.h"
 #include "platform/NumberText.h"
 #include "project/ui/ListMdb.h"
+#include "support/JoinWizardSteps.h"
+#include "support/TableWindowSteps.h"
 
 #include <QBarSet>
 #include <QBarSeries>
@@ -30,42 +32,16 @@
 
 using namespace mervola;
 using namespace mervola::journey;
+using mervola::test::clickHeader;
+using mervola::test::clickRow;
+using mervola::test::query;
 
 namespace
 {
 
-// The table window's query, typed and run as a user does.
-void query(FrmDbf *table, const QString &condition)
-{
-    onDialog("mervola::QueryDbf", [condition](QWidget *q) {
-        q->findChild<QPlainTextEdit *>(QStringLiteral("txt_query"))->setPlainText(condition);
-        q->findChild<QPushButton *>(QStringLiteral("cmd_esegui"))->click();
-        q->findChild<QPushButton *>(QStringLiteral("Command1_1"))->click();
-    });
-    table->command(QStringLiteral("query"))->trigger();
-}
-
 QString cell(FrmDbf *table, int row, const QString &field)
 {
     return table->grid()->model()->index(row, table->table()->fieldIndex(field)).data().toString();
-}
-
-void clickRow(FrmDbf *table, int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-{
-    QTableView *grid = table->grid();
-    grid->scrollTo(grid->model()->index(row, 0));
-    QTest::mouseClick(grid->viewport(), Qt::LeftButton, modifiers,
-                      grid->visualRect(grid->model()->index(row, 0)).center());
-}
-
-void clickHeader(FrmDbf *table, const QString &field)
-{
-    const int c = table->table()->fieldIndex(field);
-    QTableView *grid = table->grid();
-    grid->scrollTo(grid->model()->index(0, c));
-    QHeaderView *header = grid->horizontalHeader();
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
-                      QPoint(header->sectionViewportPosition(c) + 4, header->height() / 2));
 }
 
 QString label(QWidget *w, const char *name) { return w->findChild<QLabel *>(QLatin1String(name))->text(); }
@@ -243,12 +219,7 @@ private slots:
             answerFileDialog(csv);
             wizard->findChild<QPushButton *>(QStringLiteral("cmd_avanti"))->click();
             QCOMPARE(wizard->step(), 2);
-            wizard->findChild<QPushButton *>(QStringLiteral("cmd_avanti"))->click();
-            auto *ext = wizard->findChild<QComboBox *>(QStringLiteral("Combo_Ext"));
-            auto *theme = wizard->findChild<QComboBox *>(QStringLiteral("cboJoin"));
-            ext->setCurrentIndex(ext->findText(QStringLiteral("ISTAT")));
-            theme->setCurrentIndex(theme->findText(QStringLiteral("Codice ISTAT")));
-            wizard->findChild<QPushButton *>(QStringLiteral("cmd_avanti"))->click();
+            test::joinOnIstatCodes(wizard);
             joined = true;
         });
         table->command(QStringLiteral("join"))->trigger();

@@ -47,23 +47,7 @@ namespace {
 // Answers the next file dialog with `path`, the file type `filter` chosen.
 void answerFileDialog(const QString &path, const QString &filter = QString())
 {
-    whenModal<QFileDialog>([path, filter](QFileDialog *d) {
-        if (!filter.isEmpty())
-            d->selectNameFilter(filter);
-        // The dialog fills its name box while it reads the folder: type the
-        // name once it has settled.
-        auto settle = std::make_shared<std::function<void(int)>>();
-        *settle = [d, path, settle](int tries) {
-            if (auto *name = d->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
-                name->setText(path);
-            if (d->selectedFiles().value(0) == path || tries == 0) {
-                QMetaObject::invokeMethod(d, "accept");
-                return;
-            }
-            QTimer::singleShot(25, d, [settle, tries] { (*settle)(tries - 1); });
-        };
-        QTimer::singleShot(100, d, [settle] { (*settle)(40); });
-    });
+    whenModal<QFileDialog>([path, filter](QFileDialog *d) { mervola::test::typeIntoFileDialog(d, path, filter); });
 }
 
 QStringList legendLines(const LegendView *legend, const QString &layer)
