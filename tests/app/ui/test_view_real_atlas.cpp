@@ -244,11 +244,12 @@ private slots:
                     e->activateWindow();
                     QVERIFY(QTest::qWaitForWindowActive(e));
                     lower->setFocus();
+                    QTRY_VERIFY(lower->hasFocus()); // a loaded machine activates late
                     lower->selectAll();
                     QTest::keyClicks(lower, limits[0]);
                     // Leaving a whole lower limit puts its successor in the upper box.
                     QTest::mouseClick(upper, Qt::LeftButton);
-                    QCOMPARE(upper->text(), QString::number(limits[0].toInt() + 1));
+                    QTRY_COMPARE(upper->text(), QString::number(limits[0].toInt() + 1));
                     upper->selectAll();
                     QTest::keyClicks(upper, limits[1]);
                     QTest::mouseClick(e->findChild<QPushButton *>(QStringLiteral("cmdOk")), Qt::LeftButton);
