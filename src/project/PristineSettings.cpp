@@ -185,6 +185,12 @@ Status copyPristineSettings(const AtlasHome &home)
     return failures.result();
 }
 
+QString settingsFileToMend(const AtlasHome &home, const QString &working)
+{
+    const QString pristine = resolveCaseInsensitive(home.originali(), QFileInfo(working).fileName());
+    return QFileInfo(pristine).isFile() && sameContent(pristine, working) ? pristine : working;
+}
+
 void removeStraySettings(const AtlasHome &home)
 {
     QSet<QString> pristine;

@@ -50,6 +50,11 @@ Status restoreAllThemeTables(const AtlasHome &home);
 // file that cannot be copied and reports them all.
 Status copyPristineSettings(const AtlasHome &home);
 
+// The file a user has to mend when the working settings file `working` is
+// faulty: its pristine copy in originali/ when the working file is that copy
+// unchanged (it is copied again at every start), otherwise `working` itself.
+QString settingsFileToMend(const AtlasHome &home, const QString &working);
+
 // Removes from supporto/ the settings files of themes that earlier projects
 // brought (no pristine copy in originali/; stili.ini stays) and temporary
 // ".new" files left by an interrupted write.

@@ -433,9 +433,15 @@ Status ProjectFiles::addLayerRepairing(const QString &shapefilePath, const QStri
 
 Result<ProjectFiles::ShownTheme> ProjectFiles::loadTheme(const QString &name, const ThemeLoadOptions &options)
 {
-    auto theme = loadThemeFile(resolveCaseInsensitive(m_home.supporto(), name + QStringLiteral(".ini")), name, options);
-    if (!theme)
-        return theme.error();
+    const QString settings = resolveCaseInsensitive(m_home.supporto(), name + QStringLiteral(".ini"));
+    auto theme = loadThemeFile(settings, name, options);
+    if (!theme) {
+        // The message names the file whose mending lasts.
+        Error e = theme.error();
+        e.message.replace(QDir::toNativeSeparators(settings),
+                          QDir::toNativeSeparators(settingsFileToMend(m_home, settings)));
+        return e;
+    }
     const ThemeSettings &s = theme->settings;
     if (s.join.isSet() && m_hooks.rejoin) {
         if (auto st = m_hooks.rejoin(*theme); !st)

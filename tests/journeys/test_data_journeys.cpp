@@ -309,7 +309,7 @@ private slots:
             QCOMPARE(rec.entries().size(), 1);
             QCOMPARE(rec.entries()[0].style, MsgStyle::Critical);
             QCOMPARE(rec.entries()[0].text,
-                     QStringLiteral("Il tema citta non è stato caricato. Il file delle impostazioni %1/supporto/citta.ini "
+                     QStringLiteral("Il tema citta non è stato caricato. Il file delle impostazioni %1/originali/citta.ini "
                                     "non indica lo shapefile del tema (chiave BASE).")
                          .arg(home));
             QCOMPARE(legendThemes(*start.mainWindow()),

@@ -122,11 +122,11 @@ private slots:
             rec.entries()[0].text,
             QStringLiteral("Impossibile sostituire il file %1citta.ini: al suo posto c'è una cartella.").arg(supporto));
         QCOMPARE(rec.entries()[1].text,
-                 QStringLiteral("Il tema province non è stato caricato. Il file delle impostazioni %1province.ini non "
+                 QStringLiteral("Il tema province non è stato caricato. Il file delle impostazioni %2province.ini non "
                                 "contiene la sezione [province].\n"
                                 "Il tema citta non è stato caricato. Impossibile leggere il file delle impostazioni "
                                 "%1citta.ini.")
-                     .arg(supporto));
+                     .arg(supporto, m_home + QStringLiteral("/originali/"))); // the pristine copy is the one to mend
         QCOMPARE(rec.entries()[1].style, MsgStyle::Critical);
         QCOMPARE(test::readFile(supporto + QStringLiteral("province.ini")), garbage);
         QCOMPARE(test::readFile(m_home + QStringLiteral("/originali/province.ini")), garbage);
