@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <cstring>
@@ -18,8 +19,11 @@ const Target *findTarget(const char *name)
 
 QString scratchFolder()
 {
-    // Kept for the life of the process: inputs are written over and over.
-    static const QTemporaryDir dir(QDir::tempPath() + QStringLiteral("/mervola-fuzz-XXXXXX"));
+    // Kept for the life of the process: inputs are written over and over,
+    // in memory when the system offers a memory file system.
+    static const QString base = QFileInfo(QStringLiteral("/dev/shm")).isWritable() ? QStringLiteral("/dev/shm")
+                                                                                     : QDir::tempPath();
+    static const QTemporaryDir dir(base + QStringLiteral("/mervola-fuzz-XXXXXX"));
     return dir.path();
 }
 

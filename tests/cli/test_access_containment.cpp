@@ -62,7 +62,6 @@ private slots:
         QTest::addColumn<QByteArray>("bytes");
         const QByteArray fixture = readFile(fixturePath(QStringLiteral("testV1997.mdb")));
         QTest::newRow("libmdb crashes") << readFile(regression("libmdb-crash.mdb"));
-        QTest::newRow("cut after the catalogue") << fixture.left(32 * 2048);
         QTest::newRow("cut in the header") << fixture.left(100);
         QTest::newRow("not a database") << QByteArray("COD;NOME\n001001;Agli\xC3\xA8\n");
         // libmdb loops for ever on this one: the helper is stopped after 30 s.
@@ -94,12 +93,17 @@ private slots:
         QVERIFY(names);
         QCOMPARE(names.value(), QStringList({QStringLiteral("Table1"), QStringLiteral("Table2"),
                                              QStringLiteral("Table3"), QStringLiteral("Table4")}));
-        auto here = readAccessRowsHere(fixturePath(QStringLiteral("testV1997.mdb")), QStringLiteral("Table3"));
-        auto there = readAccessRows(fixturePath(QStringLiteral("testV1997.mdb")), QStringLiteral("Table3"));
+        auto here = readAccessRowsHere(fixturePath(QStringLiteral("testV1997.mdb")), QStringLiteral("Table1"));
+        auto there = readAccessRows(fixturePath(QStringLiteral("testV1997.mdb")), QStringLiteral("Table1"));
         QVERIFY(here && there);
+        QCOMPARE(there->rows.size(), std::size_t(2));
         QCOMPARE(there->rows, here->rows);
         QCOMPARE(there->columns.size(), here->columns.size());
-        QVERIFY(!there->rows.empty());
+        for (int i = 0; i < here->columns.size(); ++i) {
+            QCOMPARE(there->columns[i].name, here->columns[i].name);
+            QCOMPARE(there->columns[i].type, here->columns[i].type);
+            QCOMPARE(there->columns[i].size, here->columns[i].size);
+        }
     }
 
     // An answer cut anywhere (the helper died while writing) is refused.
