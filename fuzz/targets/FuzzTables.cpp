@@ -46,33 +46,32 @@ int fuzzDbase(const std::uint8_t *data, std::size_t size)
     return 0;
 }
 
-int fuzzAccess(const std::uint8_t *data, std::size_t size)
+// Lists the tables of the input read as a database, reads the first four,
+// then decodes the same bytes as the helper's answer.
+template <class ListTables, class ReadTable>
+void readAccessInput(const std::uint8_t *data, std::size_t size, ListTables listTables, ReadTable readTable)
 {
     const QString path = scratchFile(QStringLiteral("origine.mdb"), data, size);
-    auto names = readAccessTableNamesHere(path);
-    if (names) {
+    if (auto names = listTables(path))
         for (const QString &table : names->mid(0, 4))
-            if (auto rows = readAccessRowsHere(path, table))
-                (void)decodeAccessRows(encodeAccessRows(rows.value()));
-    }
-    // The same bytes as the helper's answer: the program decodes that too.
+            (void)readTable(path, table);
     const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
     (void)decodeAccessNames(bytes);
     (void)decodeAccessRows(bytes);
+}
+
+int fuzzAccess(const std::uint8_t *data, std::size_t size)
+{
+    readAccessInput(data, size, readAccessTableNamesHere, [](const QString &path, const QString &table) {
+        auto rows = readAccessRowsHere(path, table);
+        return rows ? decodeAccessRows(encodeAccessRows(rows.value())) : rows;
+    });
     return 0;
 }
 
 int replayAccess(const std::uint8_t *data, std::size_t size)
 {
-    const QString path = scratchFile(QStringLiteral("origine.mdb"), data, size);
-    auto names = accessTableNames(path);
-    if (names) {
-        for (const QString &table : names->mid(0, 4))
-            (void)readAccessTable(path, table);
-    }
-    const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
-    (void)decodeAccessNames(bytes);
-    (void)decodeAccessRows(bytes);
+    readAccessInput(data, size, accessTableNames, readAccessTable);
     return 0;
 }
 
