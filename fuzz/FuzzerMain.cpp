@@ -5,11 +5,12 @@
 
 #include <cstdlib>
 
-namespace {
+namespace
+{
 
 const mervola::fuzz::Target *target = nullptr;
 
-}  // namespace
+} // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {

@@ -11,7 +11,8 @@
 
 using namespace mervola::fuzz;
 
-class FuzzReplay : public QObject {
+class FuzzReplay : public QObject
+{
     Q_OBJECT
 private slots:
     void replay_data()
@@ -20,9 +21,11 @@ private slots:
         QTest::addColumn<QString>("path");
         for (const Target &t : kTargets) {
             for (const char *kind : {"corpus", "regressions"}) {
-                const QDir dir(QStringLiteral(MERVOLA_FUZZ_DIR "/%1/%2").arg(QLatin1String(kind), QLatin1String(t.name)));
+                const QDir dir(
+                    QStringLiteral(MERVOLA_FUZZ_DIR "/%1/%2").arg(QLatin1String(kind), QLatin1String(t.name)));
                 for (const QString &file : dir.entryList(QDir::Files, QDir::Name))
-                    QTest::newRow(qPrintable(QStringLiteral("%1/%2/%3").arg(QLatin1String(kind), QLatin1String(t.name), file)))
+                    QTest::newRow(
+                        qPrintable(QStringLiteral("%1/%2/%3").arg(QLatin1String(kind), QLatin1String(t.name), file)))
                         << QString::fromLatin1(t.name) << dir.filePath(file);
             }
         }

@@ -12,21 +12,21 @@
 #include <QDate>
 #include <optional>
 
-namespace mervola::fuzz {
+namespace mervola::fuzz
+{
 
-namespace {
+namespace
+{
 
 // A small table with a field of every kind, written once per process.
 QString tableFolder()
 {
     static const QString folder = [] {
         DbfTable t;
-        t.fields = {{QStringLiteral("Label"), DbfType::Text, 20, 0},
-                    {QStringLiteral("NOME"), DbfType::Text, 30, 0},
-                    {QStringLiteral("POP"), DbfType::Numeric, 9, 0},
-                    {QStringLiteral("QUOTA"), DbfType::Numeric, 12, 3},
-                    {QStringLiteral("FLAG"), DbfType::Logical, 1, 0},
-                    {QStringLiteral("DATA"), DbfType::Date, 8, 0}};
+        t.fields = {
+            {QStringLiteral("Label"), DbfType::Text, 20, 0},  {QStringLiteral("NOME"), DbfType::Text, 30, 0},
+            {QStringLiteral("POP"), DbfType::Numeric, 9, 0},  {QStringLiteral("QUOTA"), DbfType::Numeric, 12, 3},
+            {QStringLiteral("FLAG"), DbfType::Logical, 1, 0}, {QStringLiteral("DATA"), DbfType::Date, 8, 0}};
         t.rows = {{QStringLiteral("001"), QStringLiteral("Aosta"), qlonglong(34000), 583.5, true, QDate(2001, 1, 2)},
                   {QStringLiteral("002"), QStringLiteral("L'Aquila"), qlonglong(69000), 714.0, false, QVariant()},
                   {QStringLiteral("003"), QVariant(), QVariant(), QVariant(), QVariant(), QVariant()}};
@@ -36,7 +36,7 @@ QString tableFolder()
     return folder;
 }
 
-}  // namespace
+} // namespace
 
 int fuzzCondition(const std::uint8_t *data, std::size_t size)
 {
@@ -53,4 +53,4 @@ int fuzzCondition(const std::uint8_t *data, std::size_t size)
     return 0;
 }
 
-}  // namespace mervola::fuzz
+} // namespace mervola::fuzz

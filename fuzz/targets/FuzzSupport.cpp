@@ -7,7 +7,8 @@
 
 #include <cstring>
 
-namespace mervola::fuzz {
+namespace mervola::fuzz
+{
 
 const Target *findTarget(const char *name)
 {
@@ -21,8 +22,8 @@ QString scratchFolder()
 {
     // Kept for the life of the process: inputs are written over and over,
     // in memory when the system offers a memory file system.
-    static const QString base = QFileInfo(QStringLiteral("/dev/shm")).isWritable() ? QStringLiteral("/dev/shm")
-                                                                                     : QDir::tempPath();
+    static const QString base =
+        QFileInfo(QStringLiteral("/dev/shm")).isWritable() ? QStringLiteral("/dev/shm") : QDir::tempPath();
     static const QTemporaryDir dir(base + QStringLiteral("/mervola-fuzz-XXXXXX"));
     return dir.path();
 }
@@ -36,4 +37,4 @@ QString scratchFile(const QString &name, const std::uint8_t *data, std::size_t s
     return path;
 }
 
-}  // namespace mervola::fuzz
+} // namespace mervola::fuzz

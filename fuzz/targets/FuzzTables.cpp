@@ -13,9 +13,11 @@
 #include <array>
 #include <cstring>
 
-namespace mervola::fuzz {
+namespace mervola::fuzz
+{
 
-namespace {
+namespace
+{
 
 // The .cpg written beside the table, chosen by the input's first byte.
 constexpr std::array<const char *, 8> kCodePages = {
@@ -34,7 +36,7 @@ QString writeDbase(const QString &base, const std::uint8_t *data, std::size_t si
                     : scratchFile(base + QStringLiteral(".dbf"), data, 0);
 }
 
-}  // namespace
+} // namespace
 
 int fuzzDbase(const std::uint8_t *data, std::size_t size)
 {
@@ -93,4 +95,4 @@ int fuzzShapefile(const std::uint8_t *data, std::size_t size)
     return 0;
 }
 
-}  // namespace mervola::fuzz
+} // namespace mervola::fuzz

@@ -8,34 +8,39 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace mervola::fuzz {
+namespace mervola::fuzz
+{
 
 using Entry = int (*)(const std::uint8_t *data, std::size_t size);
 
-int fuzzSettings(const std::uint8_t *data, std::size_t size);    // a theme settings file
-int fuzzProject(const std::uint8_t *data, std::size_t size);     // a project (.rlx)
-int fuzzReport(const std::uint8_t *data, std::size_t size);      // a report definition (.vrd)
-int fuzzDbase(const std::uint8_t *data, std::size_t size);       // byte 0: the .cpg; then the .dbf
-int fuzzTextSource(const std::uint8_t *data, std::size_t size);  // a text/CSV join source
-int fuzzAccess(const std::uint8_t *data, std::size_t size);      // an Access database, read in this process
-int fuzzTopoJson(const std::uint8_t *data, std::size_t size);    // the builder's TopoJSON
-int fuzzCondition(const std::uint8_t *data, std::size_t size);   // a user's query condition (UTF-8)
-int fuzzShapefile(const std::uint8_t *data, std::size_t size);   // see FuzzShapefile.cpp for the layout
+int fuzzSettings(const std::uint8_t *data, std::size_t size);   // a theme settings file
+int fuzzProject(const std::uint8_t *data, std::size_t size);    // a project (.rlx)
+int fuzzReport(const std::uint8_t *data, std::size_t size);     // a report definition (.vrd)
+int fuzzDbase(const std::uint8_t *data, std::size_t size);      // byte 0: the .cpg; then the .dbf
+int fuzzTextSource(const std::uint8_t *data, std::size_t size); // a text/CSV join source
+int fuzzAccess(const std::uint8_t *data, std::size_t size);     // an Access database, read in this process
+int fuzzTopoJson(const std::uint8_t *data, std::size_t size);   // the builder's TopoJSON
+int fuzzCondition(const std::uint8_t *data, std::size_t size);  // a user's query condition (UTF-8)
+int fuzzShapefile(const std::uint8_t *data, std::size_t size);  // .shp, .shx and .dbf in one input (FuzzTables.cpp)
 
 // The Access input read as the program reads it: through the helper process.
 int replayAccess(const std::uint8_t *data, std::size_t size);
 
 struct Target {
-    const char *name;  // folder of its inputs under corpus/ and regressions/
-    Entry fuzz;        // what the fuzzer runs
-    Entry replay;      // what the replay test runs (the same, but for Access)
+    const char *name; // folder of its inputs under corpus/ and regressions/
+    Entry fuzz;       // what the fuzzer runs
+    Entry replay;     // what the replay test runs (the same, but for Access)
 };
 
 inline constexpr Target kTargets[] = {
-    {"settings", fuzzSettings, fuzzSettings},          {"project", fuzzProject, fuzzProject},
-    {"report", fuzzReport, fuzzReport},                {"dbase", fuzzDbase, fuzzDbase},
-    {"textsource", fuzzTextSource, fuzzTextSource},    {"access", fuzzAccess, replayAccess},
-    {"topojson", fuzzTopoJson, fuzzTopoJson},          {"condition", fuzzCondition, fuzzCondition},
+    {"settings", fuzzSettings, fuzzSettings},
+    {"project", fuzzProject, fuzzProject},
+    {"report", fuzzReport, fuzzReport},
+    {"dbase", fuzzDbase, fuzzDbase},
+    {"textsource", fuzzTextSource, fuzzTextSource},
+    {"access", fuzzAccess, replayAccess},
+    {"topojson", fuzzTopoJson, fuzzTopoJson},
+    {"condition", fuzzCondition, fuzzCondition},
     {"shapefile", fuzzShapefile, fuzzShapefile},
 };
 
@@ -46,4 +51,4 @@ const Target *findTarget(const char *name);
 QString scratchFile(const QString &name, const std::uint8_t *data, std::size_t size);
 QString scratchFolder();
 
-}  // namespace mervola::fuzz
+} // namespace mervola::fuzz

@@ -8,7 +8,8 @@
 #include "project/ProjectFile.h"
 #include "project/ThemeSettings.h"
 
-namespace mervola::fuzz {
+namespace mervola::fuzz
+{
 
 int fuzzSettings(const std::uint8_t *data, std::size_t size)
 {
@@ -64,4 +65,4 @@ int fuzzTextSource(const std::uint8_t *data, std::size_t size)
     return 0;
 }
 
-}  // namespace mervola::fuzz
+} // namespace mervola::fuzz

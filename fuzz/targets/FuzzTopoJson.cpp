@@ -4,7 +4,8 @@
 
 #include <QByteArray>
 
-namespace mervola::fuzz {
+namespace mervola::fuzz
+{
 
 // The object is the one the builder reads from its municipalities file.
 int fuzzTopoJson(const std::uint8_t *data, std::size_t size)
@@ -16,4 +17,4 @@ int fuzzTopoJson(const std::uint8_t *data, std::size_t size)
     return 0;
 }
 
-}  // namespace mervola::fuzz
+} // namespace mervola::fuzz

@@ -73,13 +73,13 @@ private slots:
         const QString mdb = userFile(QStringLiteral("dati.mdb"), bytes);
         const auto before = folderSnapshot(m_home);
         QString out, err;
-        const int code = runProgram(QStringLiteral(MERVOLA_CLI),
-                                    {QStringLiteral("join"), QStringLiteral("--home"), m_home, QStringLiteral("--theme"),
-                                     QStringLiteral("comuni"), QStringLiteral("--source"), mdb,
-                                     QStringLiteral("--table"), QStringLiteral("Table1"),
-                                     QStringLiteral("--theme-key"), QStringLiteral("COD_ISTAT"),
-                                     QStringLiteral("--source-key"), QStringLiteral("a")},
-                                    &out, &err);
+        const int code =
+            runProgram(QStringLiteral(MERVOLA_CLI),
+                       {QStringLiteral("join"), QStringLiteral("--home"), m_home, QStringLiteral("--theme"),
+                        QStringLiteral("comuni"), QStringLiteral("--source"), mdb, QStringLiteral("--table"),
+                        QStringLiteral("Table1"), QStringLiteral("--theme-key"), QStringLiteral("COD_ISTAT"),
+                        QStringLiteral("--source-key"), QStringLiteral("a")},
+                       &out, &err);
         QCOMPARE(code, 1);
         QCOMPARE(err.trimmed(), kUnreadable);
         QCOMPARE(folderSnapshot(m_home), before);

@@ -6,9 +6,11 @@
 
 #include <memory>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 struct MdbCloser {
     void operator()(MdbHandle *h) const { mdb_close(h); }
@@ -30,7 +32,7 @@ Result<MdbPtr> openMdb(const QString &path)
     return mdb;
 }
 
-}  // namespace
+} // namespace
 
 Result<QStringList> readAccessTableNamesHere(const QString &mdbPath)
 {
@@ -78,4 +80,4 @@ Result<AccessRows> readAccessRowsHere(const QString &mdbPath, const QString &tab
     return out;
 }
 
-}  // namespace mervola
+} // namespace mervola

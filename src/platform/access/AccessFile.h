@@ -15,14 +15,15 @@
 #include <QStringList>
 #include <vector>
 
-namespace mervola {
+namespace mervola
+{
 
 inline const QString kAccessUnreadable = QStringLiteral("Impossibile leggere il file di origine.");
 
 struct AccessColumn {
     QString name;
-    int type = 0;  // libmdb's column type (the engine's numbering)
-    int size = 0;  // declared size in bytes
+    int type = 0; // libmdb's column type (the engine's numbering)
+    int size = 0; // declared size in bytes
 };
 
 // A table as text: every value as libmdb formats it (UTF-8), dates as
@@ -49,4 +50,4 @@ Result<AccessRows> decodeAccessRows(const QByteArray &stream);
 // The helper's main: "tables <file>" or "table <file> <name>".
 int accessHelperMain(int argc, char **argv);
 
-}  // namespace mervola
+} // namespace mervola

@@ -12,9 +12,11 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
 constexpr char kHelperName[] = "mervola-access";
 // A read that takes longer than this is a helper lost in a damaged file.
@@ -53,7 +55,7 @@ Result<QByteArray> runHelper(const QStringList &args)
     return p.readAllStandardOutput();
 }
 
-}  // namespace
+} // namespace
 
 Result<QStringList> readAccessTableNames(const QString &mdbPath)
 {
@@ -103,4 +105,4 @@ int accessHelperMain(int argc, char **argv)
     return out.write(bytes) == bytes.size() && out.flush() ? 0 : 1;
 }
 
-}  // namespace mervola
+} // namespace mervola

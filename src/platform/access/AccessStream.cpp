@@ -6,11 +6,13 @@
 #include <QDataStream>
 #include <QIODevice>
 
-namespace mervola {
+namespace mervola
+{
 
-namespace {
+namespace
+{
 
-constexpr quint32 kMagic = 0x4d564143;  // "MVAC"
+constexpr quint32 kMagic = 0x4d564143; // "MVAC"
 constexpr quint32 kEnd = 0x454e4421;
 constexpr quint8 kRowMark = 1;
 constexpr quint8 kLastMark = 0;
@@ -43,7 +45,7 @@ template <class T> Result<T> garbled()
     return Result<T>::fail(kAccessUnreadable);
 }
 
-}  // namespace
+} // namespace
 
 QByteArray encodeAccessNames(const QStringList &names)
 {
@@ -117,4 +119,4 @@ Result<AccessRows> decodeAccessRows(const QByteArray &stream)
     return out;
 }
 
-}  // namespace mervola
+} // namespace mervola
