@@ -74,12 +74,20 @@ QByteArray encodeAccessRows(const AccessRows &rows)
 Result<QStringList> decodeAccessNames(const QByteArray &stream)
 {
     QDataStream s(stream);
-    quint32 magic = 0;
-    QStringList names;
-    s >> magic;
-    if (magic != kMagic)
+    quint32 magic = 0, count = 0;
+    s >> magic >> count;
+    // Each name takes at least the 4 bytes of its length: a larger count is
+    // garbled, and is never used to reserve memory.
+    if (magic != kMagic || s.status() != QDataStream::Ok || count > quint32(stream.size() / 4))
         return garbled<QStringList>();
-    s >> names;
+    QStringList names;
+    for (quint32 i = 0; i < count; ++i) {
+        QString name;
+        s >> name;
+        if (s.status() != QDataStream::Ok)
+            return garbled<QStringList>();
+        names << name;
+    }
     if (!endsCleanly(s))
         return garbled<QStringList>();
     return names;
