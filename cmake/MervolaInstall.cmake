@@ -14,6 +14,8 @@ set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 install(TARGETS mervola mervola-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 # mervola-cli looks for its GDAL module beside itself, then in ../lib/mervola.
 install(TARGETS mervola-cli-tools LIBRARY DESTINATION lib/mervola)
+# The Access reader's helper process, looked for the same way.
+install(TARGETS mervola-access RUNTIME DESTINATION lib/mervola)
 install(FILES data/desktop/mervola.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES data/desktop/mervola.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 install(DIRECTORY data/sources/ DESTINATION ${CMAKE_INSTALL_DATADIR}/mervola/sources)

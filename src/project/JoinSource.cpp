@@ -1,5 +1,6 @@
 #include "project/JoinSource.h"
 
+#include "platform/access/AccessFile.h"
 #include "platform/dbf/DbfGdal.h"
 
 #include <QDate>
@@ -7,8 +8,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStringDecoder>
-
-#include <mdbtools.h>
 
 #include <algorithm>
 #include <memory>
@@ -30,26 +29,6 @@ int engineTypeOf(const DbfField &f)
     case DbfType::Numeric: return f.decimals == 0 && f.width <= 9 ? JoinFieldType::Long : JoinFieldType::Double;
     }
     return JoinFieldType::Text;
-}
-
-struct MdbCloser {
-    void operator()(MdbHandle *h) const { mdb_close(h); }
-};
-struct TableCloser {
-    void operator()(MdbTableDef *t) const { mdb_free_tabledef(t); }
-};
-using MdbPtr = std::unique_ptr<MdbHandle, MdbCloser>;
-using TablePtr = std::unique_ptr<MdbTableDef, TableCloser>;
-
-Result<MdbPtr> openMdb(const QString &path)
-{
-    const QByteArray name = QFile::encodeName(path);
-    MdbPtr mdb(mdb_open(name.constData(), MDB_NOFLAGS));
-    if (!mdb || !mdb_read_catalog(mdb.get(), MDB_TABLE))
-        return Result<MdbPtr>::fail(kSourceUnreadable);
-    mdb_set_date_fmt(mdb.get(), "%Y-%m-%d");
-    mdb_set_boolean_fmt_numbers(mdb.get());
-    return mdb;
 }
 
 DbfField dbfFieldFor(const QString &name, int type, int size)
@@ -135,47 +114,27 @@ QString familyText(FieldFamily family)
 
 Result<QStringList> accessTableNames(const QString &mdbPath)
 {
-    auto mdb = openMdb(mdbPath);
-    if (!mdb)
-        return mdb.error();
-    QStringList names;
-    for (guint i = 0; i < mdb.value()->num_catalog; ++i) {
-        auto *entry = static_cast<MdbCatalogEntry *>(g_ptr_array_index(mdb.value()->catalog, i));
-        if (entry->object_type == MDB_TABLE && !mdb_is_system_table(entry))
-            names << QString::fromUtf8(entry->object_name);
-    }
-    return names;
+    return readAccessTableNames(mdbPath);
 }
 
 Result<SourceTable> readAccessTable(const QString &mdbPath, const QString &tableName)
 {
-    auto mdb = openMdb(mdbPath);
-    if (!mdb)
-        return mdb.error();
-    QByteArray name = tableName.toUtf8();
-    TablePtr table(mdb_read_table_by_name(mdb.value().get(), name.data(), MDB_TABLE));
-    if (!table || !mdb_read_columns(table.get()))
-        return Result<SourceTable>::fail(kSourceUnreadable);
-
+    auto read = readAccessRows(mdbPath, tableName);
+    if (!read)
+        return read.error();
     SourceTable out;
-    const int n = int(table->num_cols);
-    std::vector<std::vector<char>> buffers(std::size_t(n), std::vector<char>(MDB_BIND_SIZE));
-    std::vector<int> lengths(std::size_t(n), 0);
-    for (int i = 0; i < n; ++i) {
-        auto *col = static_cast<MdbColumn *>(g_ptr_array_index(table->columns, guint(i)));
-        SourceField field{QString::fromUtf8(col->name), int(col->col_type)};
-        out.fields << field;
-        out.table.fields << dbfFieldFor(field.name, field.engineType, int(col->col_size));
-        mdb_bind_column(table.get(), i + 1, buffers[std::size_t(i)].data(), &lengths[std::size_t(i)]);
+    for (const AccessColumn &col : read->columns) {
+        out.fields << SourceField{col.name, col.type};
+        out.table.fields << dbfFieldFor(col.name, col.type, col.size);
     }
-    mdb_rewind_table(table.get());
-    while (mdb_fetch_row(table.get())) {
+    const int n = int(read->columns.size());
+    out.table.rows.reserve(read->rows.size());
+    for (const auto &values : read->rows) {
         std::vector<QVariant> row;
         row.reserve(std::size_t(n));
         for (int i = 0; i < n; ++i) {
-            const int len = lengths[std::size_t(i)];
-            const QString text = len > 0 ? QString::fromUtf8(buffers[std::size_t(i)].data(), len) : QString();
-            row.push_back(valueFor(out.table.fields[i], text));
+            const QByteArray &v = values[std::size_t(i)];
+            row.push_back(valueFor(out.table.fields[i], v.isNull() ? QString() : QString::fromUtf8(v)));
         }
         out.table.rows.push_back(std::move(row));
     }

@@ -34,13 +34,14 @@ private slots:
     void filesGoUnderTheUsualPrefixes()
     {
         for (const char *path :
-             {"bin/mervola", "bin/mervola-cli", "share/applications/mervola.desktop",
+             {"bin/mervola", "bin/mervola-cli", "lib/mervola/mervola-access", "share/applications/mervola.desktop",
               "share/icons/hicolor/scalable/apps/mervola.svg", "share/mervola/mervola.html",
               "share/mervola/sources/README.md", "share/mervola/sources/comuni_attributi.csv",
               "share/mervola/sources/capoluoghi.csv", "share/mervola/sources/boundaries/limits_IT_regions.topo.json",
               "share/doc/mervola/README.md"})
             QVERIFY2(QFileInfo::exists(m_prefix + QLatin1Char('/') + QLatin1String(path)), path);
         QVERIFY(QFileInfo(m_prefix + QStringLiteral("/bin/mervola")).isExecutable());
+        QVERIFY(QFileInfo(m_prefix + QStringLiteral("/lib/mervola/mervola-access")).isExecutable());
 
         const QString desktop =
             QString::fromUtf8(test::readFile(m_prefix + QStringLiteral("/share/applications/mervola.desktop")));

@@ -397,6 +397,39 @@ private slots:
                                 "Verificare il formato dei campi supportati."));
     }
 
+    // A damaged database (one that crashes libmdb, which the wizard reads
+    // in a helper process) gives the unreadable-source message on the first
+    // step; the wizard stays open and a sound file can be chosen next.
+    void damagedAccessDatabase_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::newRow("libmdb crashes") << QStringLiteral(MERVOLA_SOURCE_DIR "/fuzz/regressions/access/libmdb-crash.mdb");
+        QTest::newRow("cut in the header") << QStringLiteral("cut");
+    }
+    void damagedAccessDatabase()
+    {
+        QFETCH(QString, file);
+        Atlas a;
+        const QString mdb = a.ext + QStringLiteral("/dati.mdb");
+        if (file == QLatin1String("cut"))
+            QVERIFY(writeFile(mdb, readFile(fixturePath(QStringLiteral("testV1997.mdb"))).left(100)));
+        else
+            QVERIFY(QFile::copy(file, mdb));
+        MessageRecorder rec;
+        Driver d(a.target());
+        d.choose("rb_MsAccess", mdb);
+        QCOMPARE(rec.entries().size(), 1);
+        QCOMPARE(rec.entries().first().text, QStringLiteral("Impossibile leggere il file di origine.\r\nVerificare "
+                                                            "che il formato di tutti i campi della tabella di "
+                                                            "origine sia supportato."));
+        QCOMPARE(d.w.step(), 1);
+        QVERIFY(d.w.isVisible());
+        rec.clear();
+        d.choose("rb_MsAccess", fixturePath(QStringLiteral("testV1997.mdb")));
+        QCOMPARE(d.w.findChild<QListWidget *>(QStringLiteral("lstTabelle"))->count(), 4);
+        QVERIFY(rec.entries().isEmpty());
+    }
+
     // A source named as the working copy is never touched, and nothing is
     // left beside it.
     void sourceNamedCopia_data()
