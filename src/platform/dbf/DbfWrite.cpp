@@ -4,6 +4,7 @@
 // the old .dbf/.cpg by rename.
 
 #include "platform/FileReplace.h"
+#include "platform/KillPoint.h"
 #include "platform/dbf/DbfGdal.h"
 #include "platform/dbf/DbfTable.h"
 
@@ -243,6 +244,8 @@ Status writeDbf(const QString &path, const DbfTable &table)
         return Status::fail(QStringLiteral("Impossibile scrivere nella cartella %1.").arg(dest.absolutePath()));
     const QString tmpDbf = work.path() + QStringLiteral("/tabella.dbf");
     if (auto s = writeTemporary(tmpDbf, table); !s)
+        return s;
+    if (auto s = syncFileToDisk(tmpDbf); !s)
         return s;
     if (Status s = renameOver(tmpDbf, dest.absoluteFilePath()); !s)
         return s;
