@@ -14,7 +14,7 @@ namespace mervola::test {
 
 // Runs `steps` on the first active modal window that inherits `className`
 // (a Qt class name such as "QFileDialog" or "mervola::FrmSearch"), waiting
-// up to 20 s for it.
+// up to two minutes for it (a loaded machine or the sanitizer build is slow).
 inline void onModal(const char *className, std::function<void(QWidget *)> steps)
 {
     auto *timer = new QTimer;
@@ -27,7 +27,7 @@ inline void onModal(const char *className, std::function<void(QWidget *)> steps)
             timer->stop();
             timer->deleteLater();
             steps(w);
-        } else if (clock->elapsed() > 20000) {
+        } else if (clock->elapsed() > 120000) {
             timer->stop();
             timer->deleteLater();
             qWarning("No modal %s appeared", className);

@@ -19,8 +19,9 @@
 namespace mervola::test
 {
 
-// Runs `fn` on the next modal window of type T once it is shown.
-template <class T> void whenModal(std::function<void(T *)> fn, int tries = 400)
+// Runs `fn` on the next modal window of type T once it is shown (waiting up
+// to two minutes: a loaded machine, or the sanitizer build, opens slowly).
+template <class T> void whenModal(std::function<void(T *)> fn, int tries = 4800)
 {
     QTimer::singleShot(25, [fn, tries] {
         if (auto *w = qobject_cast<T *>(QApplication::activeModalWidget())) {

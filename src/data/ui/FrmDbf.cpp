@@ -184,7 +184,13 @@ FrmDbf::FrmDbf(AttributeTableHost &host, DbfWindowSource source, QWidget *parent
     resizeWithinScreen(this, QSize(900, 560));
 }
 
-FrmDbf::~FrmDbf() = default;
+// The grid's model reads the table: both go before the table does, since
+// the dialog's own destructor still lays out (hides) the grid.
+FrmDbf::~FrmDbf()
+{
+    delete m_grid;
+    delete m_model;
+}
 
 void FrmDbf::buildToolbar()
 {

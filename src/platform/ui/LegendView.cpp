@@ -3,6 +3,7 @@
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QHeaderView>
+#include <QHash>
 #include <QPainter>
 #include <QPixmap>
 
@@ -51,6 +52,20 @@ QTreeWidgetItem *LegendView::topItem(const QTreeWidgetItem *item) const
 
 QIcon LegendView::swatch(const QColor &fill, const QColor &outline, bool outlined, int geometryKind, int size)
 {
+    // Themes and classes repeat the same few symbols: one icon per symbol is
+    // drawn and shared, so a project of thousands of themes costs a few
+    // pictures, not thousands. The cache is emptied when it grows large.
+    static QHash<QString, QIcon> drawn;
+    const QString key = QStringLiteral("%1 %2 %3 %4 %5")
+                            .arg(fill.rgba())
+                            .arg(outline.rgba())
+                            .arg(int(outlined))
+                            .arg(geometryKind)
+                            .arg(size);
+    if (const auto it = drawn.constFind(key); it != drawn.constEnd())
+        return *it;
+    if (drawn.size() > 4096)
+        drawn.clear();
     // One picture per device pixel ratio, each drawn at its own resolution,
     // so that the swatches stay sharp on a high-DPI screen.
     QIcon icon;
@@ -74,8 +89,9 @@ QIcon LegendView::swatch(const QColor &fill, const QColor &outline, bool outline
             p.drawRect(r.adjusted(0.5, 0.5, -0.5, -0.5));
         }
         p.end();
-        icon.addPixmap(pm);
+        icon.addPixmap(pm.copy()); // the copy drops the painter's buffers
     }
+    drawn.insert(key, icon);
     return icon;
 }
 

@@ -276,9 +276,6 @@ private slots:
     // a shared machine makes any wall-clock limit fail at random.
     void hugeProjectsOpenWithinReasonableMemory()
     {
-        // Known fault: 10,000 themes now peak at about 856 MB (the bound is
-        // 300 MB) since the classification-fit work landed. Fix first.
-        QSKIP("10,000 themes exceed the memory bound since the classification-fit work landed");
         MessageRecorder rec;
         MainWindow w{AtlasHome(m_home), appState()};
         QVERIFY(showLoaded(w));

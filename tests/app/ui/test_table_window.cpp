@@ -228,9 +228,6 @@ private slots:
     // whole, and without a printer the preview still saves a PDF.
     void reportPrintsTheWindowsRowsInItsOrder()
     {
-        // Known fault after joining the table, selection and report work:
-        // the report waits on a dialog this test does not answer. Fix first.
-        QSKIP("the report waits on an unanswered dialog since the selection work landed");
         RealAtlasWindow a;
         QVERIFY(a.ok);
         FrmDbf *table = a.openTable(QStringLiteral("comuni"));
