@@ -185,6 +185,17 @@ void removeStaleDbfWork(const QString &folder, QStringList *removed)
         if (QDir(dir.filePath(name)).removeRecursively() && removed)
             *removed << dir.filePath(name);
     }
+    // A code page whose table never arrived: no reader has a use for it.
+    const QStringList present = dir.entryList(QDir::Files);
+    for (const QString &name : dir.entryList({QStringLiteral("*.cpg")}, QDir::Files)) {
+        const QString base = QFileInfo(name).completeBaseName();
+        // (a join's backup "<table>.bak" keeps its code page as "<table>.bak.cpg")
+        if (!present.contains(base, Qt::CaseInsensitive) &&
+            !present.contains(base + QStringLiteral(".dbf"), Qt::CaseInsensitive) &&
+            !present.contains(base + QStringLiteral(".shp"), Qt::CaseInsensitive) &&
+            QFile::remove(dir.filePath(name)) && removed)
+            *removed << dir.filePath(name);
+    }
 }
 
 Recovery recoverInterruptedWrites(const AtlasHome &home)

@@ -63,8 +63,9 @@ struct Recovery {
 // home, once the home is theirs.
 Recovery recoverInterruptedWrites(const AtlasHome &home);
 
-// Removes the ".mervola-dbf-*" work folders an interrupted dBase write
-// leaves in `folder` (the names are the program's own).
+// Removes what an interrupted dBase write leaves in `folder`: its
+// ".mervola-dbf-*" work folder (the names are the program's own) and a
+// ".cpg" code page whose table (".dbf" or ".shp") is not there.
 void removeStaleDbfWork(const QString &folder, QStringList *removed = nullptr);
 
 // Settles entries in memory, as the next start would settle their journal.

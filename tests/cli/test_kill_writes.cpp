@@ -338,8 +338,8 @@ private slots:
         const Tally t = killEverywhere(op);
         report(op.name, t);
         QVERIFY2(t.killPoints > 0, "the operation could not be run or changed nothing");
-        // Each write step is a kill point: temporary written, flushed, renamed.
-        QVERIFY(t.killPoints >= 3);
+        // At least the content written and the file renamed into place.
+        QVERIFY(t.killPoints >= 2);
         QCOMPARE(t.badFiles, 0);
         QCOMPARE(t.mixedPoints, 0);
     }

@@ -247,8 +247,9 @@ Status writeDbf(const QString &path, const DbfTable &table)
         return s;
     if (auto s = syncFileToDisk(tmpDbf); !s)
         return s;
-    if (Status s = renameOver(tmpDbf, dest.absoluteFilePath()); !s)
-        return s;
+    // The code page goes first: the table never appears without it. A code
+    // page left alone by an interrupted write is removed by the next write
+    // in the folder (removeStaleDbfWork).
     const QString tmpCpg = work.path() + QStringLiteral("/tabella.cpg");
     const QString cpg = cpgPathFor(dest.absoluteFilePath());
     if (QFileInfo::exists(tmpCpg)) {
@@ -257,7 +258,7 @@ Status writeDbf(const QString &path, const DbfTable &table)
     } else if (QFileInfo::exists(cpg)) {
         QFile::remove(cpg); // a stale code page would misread the new file
     }
-    return {};
+    return renameOver(tmpDbf, dest.absoluteFilePath());
 }
 
 } // namespace mervola
