@@ -93,6 +93,16 @@ function(mervola_register_tests)
       add_mervola_test(${area}_ui_${n} SOURCES ${t} LIBS mervola_widgets NEEDS_GUI)
     endforeach()
   endforeach()
+  # User journeys: the whole program driven through its main window, and
+  # the program itself started where a journey needs a second copy.
+  file(GLOB journeytests CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/journeys/test_*.cpp)
+  foreach(t ${journeytests})
+    get_filename_component(n ${t} NAME_WE)
+    add_mervola_test(journeys_${n} SOURCES ${t} LIBS mervola_widgets NEEDS_GUI)
+    if(TARGET mervola)
+      add_dependencies(journeys_${n} mervola)
+    endif()
+  endforeach()
   # Command-line tests run the built executables as a user would.
   file(GLOB clitests CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/cli/test_*.cpp)
   foreach(t ${clitests})

@@ -2,7 +2,7 @@
 # Installs the Debian packages Mervola needs to build, test and run.
 # Idempotent: does nothing when every package is already installed.
 set -e
-PKGS="build-essential cmake ninja-build ccache pkg-config \
+PKGS="build-essential cmake ninja-build ccache lld pkg-config \
  qt6-base-dev qt6-svg-dev qt6-charts-dev qt6-datavisualization-dev qt6-declarative-dev \
  libqt6svg6 qt6-qpa-plugins libgl-dev \
  libgdal-dev gdal-bin libsqlite3-dev sqlite3 mdbtools-dev mdbtools zlib1g-dev \

@@ -11,6 +11,8 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QImage>
 #include <QWidget>
 #include <QtTest>
@@ -35,6 +37,26 @@ template <class T> void whenModal(std::function<void(T *)> fn, int tries = 4800)
         if (tries > 0)
             whenModal<T>(fn, tries - 1);
     });
+}
+
+// Types `path` into a file dialog's name box, the file type `filter` chosen
+// first, and accepts it. The dialog fills its name box while it reads the
+// folder, so the name is typed again until the dialog has settled.
+inline void typeIntoFileDialog(QFileDialog *d, const QString &path, const QString &filter = {})
+{
+    if (!filter.isEmpty())
+        d->selectNameFilter(filter);
+    auto settle = std::make_shared<std::function<void(int)>>();
+    *settle = [d, path, settle](int tries) {
+        if (auto *name = d->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
+            name->setText(path);
+        if (d->selectedFiles().value(0) == path || tries == 0) {
+            QMetaObject::invokeMethod(d, "accept");
+            return;
+        }
+        QTimer::singleShot(25, d, [settle, tries] { (*settle)(tries - 1); });
+    };
+    QTimer::singleShot(100, d, [settle] { (*settle)(40); });
 }
 
 // Loads the main window and shows it at 1000 x 700.

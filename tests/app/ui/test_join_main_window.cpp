@@ -13,6 +13,7 @@
 #include "project/ThemeSettings.h"
 #include "project/ui/ListMdb.h"
 #include "support/JoinSources.h"
+#include "support/JoinWizardSteps.h"
 #include "support/Modal.h"
 
 #include <QAction>
@@ -132,12 +133,7 @@ private slots:
                  {std::tuple{1, 0, QStringLiteral("No")}, std::tuple{2, 2, QStringLiteral("superf")}}) {
                 grid->model()->setData(grid->model()->index(row, column), value);
             }
-            wizard->findChild<QPushButton *>(QStringLiteral("cmd_avanti"))->click();
-            auto *ext = wizard->findChild<QComboBox *>(QStringLiteral("Combo_Ext"));
-            auto *theme = wizard->findChild<QComboBox *>(QStringLiteral("cboJoin"));
-            ext->setCurrentIndex(ext->findText(QStringLiteral("ISTAT")));
-            theme->setCurrentIndex(theme->findText(QStringLiteral("Codice ISTAT")));
-            wizard->findChild<QPushButton *>(QStringLiteral("cmd_avanti"))->click();
+            joinOnIstatCodes(wizard);
             joined = true;
         });
         table->command(QStringLiteral("join"))->trigger();

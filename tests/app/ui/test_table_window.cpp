@@ -15,6 +15,7 @@
 #include "platform/ui/LegendView.h"
 #include "support/ModalDriver.h"
 #include "support/RealAtlasWindow.h"
+#include "support/TableWindowSteps.h"
 #include "support/TestSupport.h"
 
 #include <QAction>
@@ -35,6 +36,9 @@
 #include <QtTest>
 
 using namespace mervola;
+using mervola::test::clickHeader;
+using mervola::test::clickRow;
+using mervola::test::query;
 
 namespace
 {
@@ -58,17 +62,6 @@ struct RealAtlasWindow : test::RealAtlasWindow {
     }
 };
 
-// Runs a condition through the table query window, as a user types it.
-void query(FrmDbf *table, const QString &condition)
-{
-    test::onModal("mervola::QueryDbf", [condition](QWidget *q) {
-        q->findChild<QPlainTextEdit *>(QStringLiteral("txt_query"))->setPlainText(condition);
-        q->findChild<QPushButton *>(QStringLiteral("cmd_esegui"))->click();
-        q->findChild<QPushButton *>(QStringLiteral("Command1_1"))->click();
-    });
-    table->command(QStringLiteral("query"))->trigger();
-}
-
 int rowWhere(FrmDbf *table, const QString &field, const QString &value)
 {
     const int c = table->table()->fieldIndex(field);
@@ -76,24 +69,6 @@ int rowWhere(FrmDbf *table, const QString &field, const QString &value)
         if (table->grid()->model()->index(r, c).data().toString() == value)
             return r;
     return -1;
-}
-
-void clickRow(FrmDbf *table, int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-{
-    QTableView *grid = table->grid();
-    grid->scrollTo(grid->model()->index(row, 0));
-    const QRect cell = grid->visualRect(grid->model()->index(row, 0));
-    QTest::mouseClick(grid->viewport(), Qt::LeftButton, modifiers, cell.center());
-}
-
-void clickHeader(FrmDbf *table, const QString &field)
-{
-    const int c = table->table()->fieldIndex(field);
-    QTableView *grid = table->grid();
-    grid->scrollTo(grid->model()->index(0, c));
-    QHeaderView *header = grid->horizontalHeader();
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
-                      QPoint(header->sectionViewportPosition(c) + 4, header->height() / 2));
 }
 
 QStringList visibleCaptions(FrmDbf *table)

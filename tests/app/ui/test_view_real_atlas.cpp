@@ -47,23 +47,7 @@ namespace {
 // Answers the next file dialog with `path`, the file type `filter` chosen.
 void answerFileDialog(const QString &path, const QString &filter = QString())
 {
-    whenModal<QFileDialog>([path, filter](QFileDialog *d) {
-        if (!filter.isEmpty())
-            d->selectNameFilter(filter);
-        // The dialog fills its name box while it reads the folder: type the
-        // name once it has settled.
-        auto settle = std::make_shared<std::function<void(int)>>();
-        *settle = [d, path, settle](int tries) {
-            if (auto *name = d->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
-                name->setText(path);
-            if (d->selectedFiles().value(0) == path || tries == 0) {
-                QMetaObject::invokeMethod(d, "accept");
-                return;
-            }
-            QTimer::singleShot(25, d, [settle, tries] { (*settle)(tries - 1); });
-        };
-        QTimer::singleShot(100, d, [settle] { (*settle)(40); });
-    });
+    whenModal<QFileDialog>([path, filter](QFileDialog *d) { mervola::test::typeIntoFileDialog(d, path, filter); });
 }
 
 QStringList legendLines(const LegendView *legend, const QString &layer)
@@ -260,11 +244,12 @@ private slots:
                     e->activateWindow();
                     QVERIFY(QTest::qWaitForWindowActive(e));
                     lower->setFocus();
+                    QTRY_VERIFY(lower->hasFocus()); // a loaded machine activates late
                     lower->selectAll();
                     QTest::keyClicks(lower, limits[0]);
                     // Leaving a whole lower limit puts its successor in the upper box.
                     QTest::mouseClick(upper, Qt::LeftButton);
-                    QCOMPARE(upper->text(), QString::number(limits[0].toInt() + 1));
+                    QTRY_COMPARE(upper->text(), QString::number(limits[0].toInt() + 1));
                     upper->selectAll();
                     QTest::keyClicks(upper, limits[1]);
                     QTest::mouseClick(e->findChild<QPushButton *>(QStringLiteral("cmdOk")), Qt::LeftButton);
