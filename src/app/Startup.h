@@ -13,6 +13,7 @@
 
 #include "app/AppState.h"
 #include "platform/AtlasHome.h"
+#include "platform/InstanceLock.h"
 #include "project/ProjectFile.h"
 #include "project/ReferenceDb.h"
 
@@ -21,7 +22,7 @@
 namespace mervola {
 
 namespace StartupText {
-inline const QString kAlreadyRunning = QStringLiteral("L'applicazione è già in esecuzione.");
+inline const QString kAlreadyRunning = LockText::kInUse;
 inline const QString kNoStructure = QStringLiteral("Impossibile reperire informazioni su tabella: ");
 inline const QString kNoStructureEnd = QStringLiteral(" in t_rec!!!");
 }  // namespace StartupText

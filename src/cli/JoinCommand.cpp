@@ -4,6 +4,8 @@
 // a user's dBase or Access table needs GDAL and mdbtools.
 #include "cli/Commands.h"
 #include "platform/AtlasHome.h"
+#include "platform/InstanceLock.h"
+#include "platform/WriteJournal.h"
 #include "project/JoinScript.h"
 
 #include <cstdio>
@@ -28,6 +30,21 @@ Result<AtlasHome> homeOf(const QStringList &args)
     return home;
 }
 
+// A join changes the home as the program does, so it takes the home as the
+// program does: one copy at a time, and an operation a killed process left
+// half-done is settled first. Each change is journaled in the home.
+Status takeHome(const AtlasHome &home, InstanceLock &lock)
+{
+    switch (lock.acquire()) {
+    case InstanceLock::State::Held: break;
+    case InstanceLock::State::InUse: return Status::fail(LockText::kInUse);
+    case InstanceLock::State::CannotWrite: return Status::fail(lock.message());
+    }
+    setJournalFolder(home.root());
+    (void)recoverInterruptedWrites(home);
+    return {};
+}
+
 } // namespace
 
 int cmdJoin(const QStringList &args)
@@ -47,6 +64,9 @@ int cmdJoin(const QStringList &args)
     auto home = homeOf(args);
     if (!home)
         return refuse(home.errorMessage());
+    InstanceLock lock(home->root());
+    if (Status st = takeHome(*home, lock); !st)
+        return refuse(st.errorMessage());
     auto outcome = runScriptedJoin(*home, join);
     if (!outcome)
         return refuse(outcome.errorMessage());
@@ -65,6 +85,9 @@ int cmdUnjoin(const QStringList &args)
     auto home = homeOf(args);
     if (!home)
         return refuse(home.errorMessage());
+    InstanceLock lock(home->root());
+    if (Status st = takeHome(*home, lock); !st)
+        return refuse(st.errorMessage());
     if (Status st = runScriptedUnjoin(*home, theme); !st)
         return refuse(st.errorMessage());
     return 0;

@@ -3,6 +3,7 @@
 
 #include "cli/Commands.h"
 #include "platform/AtlasHome.h"
+#include "platform/WriteJournal.h"
 #include "platform/dbf/DbfFolder.h"
 #include "platform/dbf/DbfSql.h"
 #include "platform/dbf/DbfValues.h"
@@ -101,6 +102,8 @@ int runOnFolder(const QString &dir, const QString &sql)
         printCsv(*rs);
         return 0;
     }
+    // A write interrupted earlier may have left its work folder behind.
+    removeStaleDbfWork(dir);
     auto n = folder.run(sql);
     if (!n)
         return fail(n.errorMessage());

@@ -2,6 +2,7 @@
 
 #include "map/PngWriter.h"
 #include "map/emf/EmfDevice.h"
+#include "platform/KillPoint.h"
 
 #include <QFileInfo>
 #include <QPainter>
@@ -34,8 +35,10 @@ Status openTarget(QSaveFile &file)
 
 Status commit(QSaveFile &file)
 {
+    killPoint();
     if (!file.commit())
         return Status::fail(writeFailedMessage(file.fileName()));
+    killPoint();
     return {};
 }
 

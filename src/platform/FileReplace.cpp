@@ -1,11 +1,14 @@
 #include "platform/FileReplace.h"
 
+#include "platform/KillPoint.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <unistd.h>
 
 namespace mervola
 {
@@ -22,6 +25,21 @@ Error writeError(const QString &path, int error)
 {
     return Error{QStringLiteral("Impossibile scrivere il file %1: %2.").arg(native(path), systemErrorReason(error)),
                  error};
+}
+
+// The temporary file's content reaches the disk before it is renamed over
+// the target, so the rename never publishes a file whose data is still only
+// in memory.
+Status flushToDisk(QFile &file, const QString &target)
+{
+    errno = 0;
+    if (!file.flush())
+        return writeError(target, errno ? errno : ENOSPC);
+    killPoint();
+    if (::fsync(file.handle()) != 0)
+        return writeError(target, errno);
+    killPoint();
+    return {};
 }
 
 } // namespace
@@ -63,6 +81,7 @@ Status renameOver(const QString &from, const QString &to)
         return Error{QStringLiteral("Impossibile sostituire il file %1: %2.").arg(native(to), systemErrorReason(error)),
                      error};
     }
+    killPoint();
     return {};
 }
 
@@ -79,6 +98,15 @@ Status replaceFile(const QString &target, const TemporaryWriter &write, const QS
     return st;
 }
 
+Status syncFileToDisk(const QString &path)
+{
+    QFile f(path);
+    errno = 0;
+    if (!f.open(QIODevice::ReadWrite))
+        return writeError(path, errno ? errno : EACCES);
+    return flushToDisk(f, path);
+}
+
 Status writeFileReplacing(const QString &target, const QByteArray &bytes, const QString &temporaryPath)
 {
     return replaceFile(
@@ -89,11 +117,9 @@ Status writeFileReplacing(const QString &target, const QByteArray &bytes, const 
             if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate))
                 return writeError(target, errno ? errno : EACCES);
             errno = 0;
-            if (f.write(bytes) != bytes.size() || !f.flush()) {
-                const int error = errno ? errno : ENOSPC;
-                return writeError(target, error);
-            }
-            return {};
+            if (f.write(bytes) != bytes.size())
+                return writeError(target, errno ? errno : ENOSPC);
+            return flushToDisk(f, target);
         },
         temporaryPath);
 }
@@ -117,10 +143,7 @@ Status copyFileReplacing(const QString &source, const QString &target)
             if (out.write(chunk) != chunk.size())
                 return writeError(target, errno ? errno : ENOSPC);
         }
-        errno = 0;
-        if (!out.flush())
-            return writeError(target, errno ? errno : ENOSPC);
-        return {};
+        return flushToDisk(out, target);
     });
 }
 

@@ -37,6 +37,10 @@ Status copyFileReplacing(const QString &source, const QString &target);
 // Renames `from` over `to`, replacing it in one step.
 Status renameOver(const QString &from, const QString &to);
 
+// Flushes a file written by another writer (GDAL) to the disk before it is
+// renamed into place.
+Status syncFileToDisk(const QString &path);
+
 // A short Italian reason for a system error number ("il disco è pieno", ...).
 QString systemErrorReason(int error);
 

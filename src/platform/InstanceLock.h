@@ -37,6 +37,7 @@ private:
 
 namespace LockText
 {
+inline const QString kInUse = QStringLiteral("L'applicazione è già in esecuzione.");
 // "%1" the folder, "%2" the reason (systemErrorReason()).
 inline const QString kCannotWrite =
     QStringLiteral("Impossibile scrivere nella cartella dell'atlante %1: %2.\n"

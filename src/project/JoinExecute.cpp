@@ -1,6 +1,7 @@
 #include "project/JoinExecute.h"
 
 #include "platform/AtlasHome.h"
+#include "platform/KillPoint.h"
 #include "platform/Messages.h"
 #include "platform/Profile.h"
 #include "platform/SqlText.h"
@@ -96,6 +97,7 @@ public:
             return st.error();
         if (Status st = m_tx.commit(); !st)
             return joinError(JoinError::Bookkeeping);
+        killPoint();
         m_tx.close();
         m_files.commit();
         removeWorkingFiles();
@@ -114,6 +116,7 @@ public:
 private:
     Status step(JoinStep s, int code)
     {
+        killPoint();
         if (injectedFailure(s))
             return joinError(code);
         return {};
@@ -144,13 +147,17 @@ private:
         const QString name = freeWorkingCopyName(folder, ext);
         const QString copy = folder + QLatin1Char('/') + name;
         m_workCopies << copy;
+        m_files.working(copy);
         if (!QFile::copy(original, copy))
             return false;
+        killPoint();
         const QString cpg = cpgPathFor(original);
         if (m_request.sourceType == JoinSourceType::DbaseIV && QFileInfo::exists(cpg)) {
             m_workCopies << cpgPathFor(copy);
+            m_files.working(cpgPathFor(copy));
             if (!QFile::copy(cpg, cpgPathFor(copy)))
                 return false;
+            killPoint();
         }
         m_readFolder = folder;
         m_readFile = name;
@@ -188,6 +195,8 @@ private:
         fitColumns(ext.value(), m_theme.encoding);
         ext->encoding = m_theme.encoding;
         m_joinMdb = m_folder + QStringLiteral("/joinmdb.dbf");
+        m_files.working(m_joinMdb);
+        m_files.working(cpgPathFor(m_joinMdb));
         if (!writeDbf(m_joinMdb, ext.value()))
             return joinError(JoinError::LinkFailed);
         if (Status st = step(JoinStep::WriteJoinMdb, JoinError::LinkFailed); !st)
@@ -203,6 +212,8 @@ private:
         if (joined->rowCount() != m_theme.rowCount())
             return joinError(JoinError::DuplicateKey);
         m_temp = m_folder + QStringLiteral("/temp.dbf");
+        m_files.working(m_temp);
+        m_files.working(cpgPathFor(m_temp));
         if (!writeDbf(m_temp, joined.value()))
             return joinError(JoinError::LinkFailed);
         for (const DbfField &f : ext->fields)
@@ -232,6 +243,11 @@ private:
         if (Status st = step(JoinStep::Backup, JoinError::FileAccess); !st)
             return st;
 
+        // The reference database is kept as a file too, so that a process
+        // killed after the rows are committed but before the operation ends
+        // is taken back whole at the next start.
+        if (!m_files.keep(m_db.path()))
+            return joinError(JoinError::Bookkeeping);
         auto conn = m_db.open();
         if (!conn || !conn->begin())
             return joinError(JoinError::Bookkeeping);
@@ -292,9 +308,11 @@ private:
 
     bool runAll(const QStringList &statements)
     {
-        for (const QString &sql : statements)
+        for (const QString &sql : statements) {
             if (!m_tx.run(ReferenceDb::toSqlite(sql)))
                 return false;
+            killPoint();
+        }
         return true;
     }
 

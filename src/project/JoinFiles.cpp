@@ -1,11 +1,11 @@
 #include "project/JoinFiles.h"
 
+#include "platform/FileReplace.h"
 #include "project/PristineSettings.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <filesystem>
 
 namespace mervola
 {
@@ -24,38 +24,85 @@ bool nameTaken(const QStringList &present, const QString &name)
 
 bool renameReplacing(const QString &from, const QString &to)
 {
-    std::error_code ec;
-    std::filesystem::rename(std::filesystem::path(QFile::encodeName(from).toStdString()),
-                            std::filesystem::path(QFile::encodeName(to).toStdString()), ec);
-    return !ec;
+    return static_cast<bool>(renameOver(from, to));
+}
+
+namespace
+{
+
+// The entries of every FileRollback open in this process, outermost first:
+// they form one operation with one journal.
+struct OpenOperation {
+    QList<JournalEntry> entries;
+    int open = 0;
+};
+
+OpenOperation &operation()
+{
+    static OpenOperation op;
+    return op;
+}
+
+void writeOperationJournal(bool committed)
+{
+    if (!journalFolder().isEmpty())
+        (void)writeJournal(journalFolder(), operation().entries, committed);
+}
+
+} // namespace
+
+FileRollback::FileRollback()
+{
+    m_outermost = operation().open++ == 0;
+    if (m_outermost)
+        operation().entries.clear();
 }
 
 FileRollback::~FileRollback()
 {
     if (!m_done)
         rollback();
+    --operation().open;
+}
+
+void FileRollback::note(const JournalEntry &entry)
+{
+    m_entries << entry;
+    operation().entries << entry;
+    writeOperationJournal(false);
 }
 
 Status FileRollback::keep(const QString &path)
 {
-    for (const Kept &k : m_kept)
-        if (k.path == path)
+    for (const JournalEntry &e : std::as_const(operation().entries))
+        if (e.kind == JournalEntry::Kind::Kept && e.path == path)
             return {};
-    if (!QFileInfo::exists(path)) {
-        m_kept.push_back({path, QString()});
-        return {};
-    }
-    const QString copy = path + QStringLiteral(".old");
-    if (Status st = copyFileReplacing(path, copy); !st)
-        return st;
-    m_kept.push_back({path, copy});
+    const bool exists = QFileInfo::exists(path);
+    const QString copy = exists ? path + QStringLiteral(".old") : QString();
+    note({JournalEntry::Kind::Kept, path, copy});
+    if (exists)
+        return copyFileReplacing(path, copy);
     return {};
 }
 
 void FileRollback::created(const QString &path)
 {
-    if (!m_created.contains(path))
-        m_created << path;
+    note({JournalEntry::Kind::Created, path, {}});
+}
+
+void FileRollback::working(const QString &path)
+{
+    note({JournalEntry::Kind::Working, path, {}});
+}
+
+void FileRollback::discardOnCommit(const QString &path)
+{
+    note({JournalEntry::Kind::Discard, path, {}});
+}
+
+void FileRollback::settle(const QList<JournalEntry> &entries, bool committed)
+{
+    (void)settleEntries(entries, committed);
 }
 
 void FileRollback::rollback()
@@ -63,14 +110,22 @@ void FileRollback::rollback()
     if (m_done)
         return;
     m_done = true;
-    for (const QString &path : std::as_const(m_created))
-        QFile::remove(path);
-    for (auto it = m_kept.rbegin(); it != m_kept.rend(); ++it) {
-        if (it->copy.isEmpty())
-            QFile::remove(it->path);
-        else
-            renameReplacing(it->copy, it->path);
+    if (m_outermost) {
+        settle(operation().entries, false);
+        operation().entries.clear();
+        if (!journalFolder().isEmpty())
+            removeJournal(journalFolder());
+        return;
     }
+    // A nested operation takes back only its own files.
+    settle(m_entries, false);
+    for (const JournalEntry &mine : std::as_const(m_entries))
+        for (qsizetype i = operation().entries.size() - 1; i >= 0; --i)
+            if (operation().entries[i].kind == mine.kind && operation().entries[i].path == mine.path) {
+                operation().entries.removeAt(i);
+                break;
+            }
+    writeOperationJournal(false);
 }
 
 void FileRollback::commit()
@@ -78,9 +133,16 @@ void FileRollback::commit()
     if (m_done)
         return;
     m_done = true;
-    for (const Kept &k : m_kept)
-        if (!k.copy.isEmpty())
-            QFile::remove(k.copy);
+    if (!m_outermost)
+        return; // the outermost operation ends it
+    // The journal's COMMIT line is the moment the operation is done; what
+    // follows only clears copies and working files, which the next start
+    // would clear as well.
+    writeOperationJournal(true);
+    settle(operation().entries, true);
+    operation().entries.clear();
+    if (!journalFolder().isEmpty())
+        removeJournal(journalFolder());
 }
 
 QString freeWorkingCopyName(const QString &folder, const QString &extension)

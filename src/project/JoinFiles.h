@@ -1,12 +1,17 @@
 #pragma once
 // The files a join or its removal touches, kept so that a failure part-way
 // puts every one of them back byte for byte: the theme table and its .cpg,
-// the settings file, and the working files the operation created.
+// the settings file, the reference database, and the working files the
+// operation created. When the process keeps a journal (setJournalFolder),
+// every file is listed there before it is touched, so that a process killed
+// part-way is settled at the next start as a failure would have been.
+// FileRollbacks opened while another is open share its journal: only the
+// outermost commit ends the operation.
 
 #include "platform/Result.h"
+#include "platform/WriteJournal.h"
 
 #include <QStringList>
-#include <vector>
 
 namespace mervola
 {
@@ -14,7 +19,7 @@ namespace mervola
 class FileRollback
 {
 public:
-    FileRollback() = default;
+    FileRollback();
     FileRollback(const FileRollback &) = delete;
     FileRollback &operator=(const FileRollback &) = delete;
     // Puts everything back unless commit() was called.
@@ -25,18 +30,21 @@ public:
     Status keep(const QString &path);
     // Notes a file the operation creates; rollback removes it.
     void created(const QString &path);
+    // Notes a scratch file of the operation, removed whatever the outcome.
+    void working(const QString &path);
+    // Notes a file that goes when the operation succeeds.
+    void discardOnCommit(const QString &path);
     // Removes the created files and brings every kept file back.
     void rollback();
     // The operation succeeded: the kept copies are deleted.
     void commit();
 
 private:
-    struct Kept {
-        QString path;
-        QString copy; // empty when the file did not exist
-    };
-    std::vector<Kept> m_kept;
-    QStringList m_created;
+    void note(const JournalEntry &entry);
+    void settle(const QList<JournalEntry> &entries, bool committed);
+
+    QList<JournalEntry> m_entries;
+    bool m_outermost = false;
     bool m_done = false;
 };
 

@@ -1,5 +1,6 @@
 #include "project/JoinTheme.h"
 
+#include "platform/KillPoint.h"
 #include "platform/Messages.h"
 #include "platform/SqlText.h"
 #include "platform/dbf/DbfTable.h"
@@ -171,14 +172,20 @@ Status removeJoin(const AtlasHome &home, const QString &shapefilePath, const QSt
     const ThemeSettings settings = iniPath.isEmpty() ? ThemeSettings() : readThemeSettingsFile(iniPath, section);
     joinedColumns << settings.structJoin;
 
+    // The database is kept as a file before its transaction opens (and the
+    // transaction ends before the files are put back on failure).
+    FileRollback files;
+    if (!files.keep(db.path()))
+        return Status::fail(JoinText::kRestoreData);
     auto tx = db.open();
     if (!tx || !tx->begin())
         return Status::fail(JoinText::kRestoreData);
-    FileRollback files;
     for (const QString &sql : {QStringLiteral("Delete * from CAMPIJOIN WHERE DBF=") + sqlQuote(table.toUpper()),
-                               QStringLiteral("Delete * from LISTAJOIN WHERE SHPCOLLEGATO=") + sqlQuote(shp.fileName())})
+                               QStringLiteral("Delete * from LISTAJOIN WHERE SHPCOLLEGATO=") + sqlQuote(shp.fileName())}) {
         if (!tx->run(ReferenceDb::toSqlite(sql)))
             return Status::fail(JoinText::kRestoreData);
+        killPoint();
+    }
 
     if (const QString from = restoreSourceOf(home, table, backup); !from.isEmpty()) {
         if (Status st = restoreFile(files, from, themeDbf); !st)
@@ -198,11 +205,13 @@ Status removeJoin(const AtlasHome &home, const QString &shapefilePath, const QSt
         if (Status st = updateThemeKeys(iniPath, section, settingsAfterRemoval(settings, joinedColumns)); !st)
             return st;
     }
+    files.discardOnCommit(backup);
+    files.discardOnCommit(backup + QStringLiteral(".cpg"));
     if (!tx->commit())
         return Status::fail(JoinText::kRestoreData);
+    killPoint();
+    tx->close();
     files.commit();
-    QFile::remove(backup);
-    QFile::remove(backup + QStringLiteral(".cpg"));
     return {};
 }
 

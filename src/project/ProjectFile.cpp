@@ -1,5 +1,7 @@
 #include "project/ProjectFile.h"
 
+#include "platform/FileReplace.h"
+
 #include <QHash>
 
 #include "platform/Messages.h"
@@ -236,6 +238,9 @@ Status ProjectFiles::open(const QString &path)
     }
     m_created.clear();
     m_session.notices.clear();
+    // A save of this project that was interrupted left its temporary file
+    // beside it; the project itself is whole (old or new), the leftover goes.
+    QFile::remove(newFilePath(path));
     Status st = openSteps(path);
     if (st)
         return st;

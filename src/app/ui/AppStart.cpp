@@ -5,6 +5,7 @@
 #include "app/ui/SplashWindow.h"
 #include "platform/InstanceLock.h"
 #include "platform/Messages.h"
+#include "platform/WriteJournal.h"
 #include "platform/ui/ScreenFit.h"
 
 #include <QApplication>
@@ -34,6 +35,10 @@ std::optional<int> AppStart::begin()
                     lock == InstanceLock::State::InUse ? StartupText::kAlreadyRunning : m_lock->message());
         return 1;
     }
+    // The home is ours: an operation a killed process left half-done is
+    // settled before anything reads the home.
+    setJournalFolder(m_home.root());
+    (void)recoverInterruptedWrites(m_home);
     connect(m_splash.get(), &SplashWindow::timedOut, this, [this] {
         m_splashOver = true;
         showMainWhenReady();

@@ -4,6 +4,7 @@
 // the old .dbf/.cpg by rename.
 
 #include "platform/FileReplace.h"
+#include "platform/KillPoint.h"
 #include "platform/dbf/DbfGdal.h"
 #include "platform/dbf/DbfTable.h"
 
@@ -244,8 +245,11 @@ Status writeDbf(const QString &path, const DbfTable &table)
     const QString tmpDbf = work.path() + QStringLiteral("/tabella.dbf");
     if (auto s = writeTemporary(tmpDbf, table); !s)
         return s;
-    if (Status s = renameOver(tmpDbf, dest.absoluteFilePath()); !s)
+    if (auto s = syncFileToDisk(tmpDbf); !s)
         return s;
+    // The code page goes first: the table never appears without it. A code
+    // page left alone by an interrupted write is removed by the next write
+    // in the folder (removeStaleDbfWork).
     const QString tmpCpg = work.path() + QStringLiteral("/tabella.cpg");
     const QString cpg = cpgPathFor(dest.absoluteFilePath());
     if (QFileInfo::exists(tmpCpg)) {
@@ -254,7 +258,7 @@ Status writeDbf(const QString &path, const DbfTable &table)
     } else if (QFileInfo::exists(cpg)) {
         QFile::remove(cpg); // a stale code page would misread the new file
     }
-    return {};
+    return renameOver(tmpDbf, dest.absoluteFilePath());
 }
 
 } // namespace mervola
