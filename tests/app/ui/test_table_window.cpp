@@ -17,6 +17,7 @@
 #include "support/RealAtlasWindow.h"
 #include "support/TableWindowSteps.h"
 #include "support/TestSupport.h"
+#include "support/UiSupport.h"
 
 #include <QAction>
 #include <QChart>
@@ -218,10 +219,9 @@ private slots:
         test::onModal("mervola::ReportPreview", [&](QWidget *preview) {
             QCOMPARE(preview->findChild<QAction *>(QStringLiteral("print"))->isEnabled(), printer);
             test::onModal("QFileDialog", [&](QWidget *w) {
-                auto *dialog = static_cast<QFileDialog *>(w);
-                dialog->setDirectory(folder);
-                dialog->selectFile(QStringLiteral("piemonte")); // no extension
-                QMetaObject::invokeMethod(dialog, "accept");
+                // Typed without an extension; accepted once the dialog has
+                // taken the name (its folder is read by a thread).
+                test::typeIntoFileDialog(static_cast<QFileDialog *>(w), folder + QStringLiteral("/piemonte"));
             });
             preview->findChild<QAction *>(QStringLiteral("pdf"))->trigger();
             test::onModal("QFileDialog", [&](QWidget *w) {
