@@ -107,7 +107,8 @@ private slots:
     // in the message and is never rewritten.
     void unreadableSettingsFilesLeaveTheOtherThemes()
     {
-        const QByteArray garbage("\x89PNG\r\n\x1a\n\x00\x00\x00\rIHDR\xff\xfe", 20);
+        static const char png[] = "\x89PNG\r\n\x1a\n\x00\x00\x00\rIHDR\xff\xfe";
+        const QByteArray garbage(png, sizeof png - 1);
         QVERIFY(test::writeFile(m_home + QStringLiteral("/originali/province.ini"), garbage));
         QVERIFY(QFile::remove(m_home + QStringLiteral("/supporto/citta.ini")));
         QVERIFY(QDir().mkpath(m_home + QStringLiteral("/supporto/citta.ini")));
