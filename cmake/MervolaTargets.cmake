@@ -3,6 +3,15 @@
 
 set(MERVOLA_AREAS "")
 
+# The libraries compile their sources in batches of eight (one translation
+# unit each): Qt's headers and templates are then compiled once per batch,
+# not once per file, which roughly halves the libraries' compile time.
+function(mervola_batch_sources target)
+  if(MERVOLA_UNITY)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+  endif()
+endfunction()
+
 # mervola_area(NAME DEPS ...): static library from src/NAME/*.cpp (not ui/,
 # nor gdal/: code that calls GDAL goes to a library of its own).
 function(mervola_area name)
@@ -20,6 +29,7 @@ function(mervola_area name)
   target_include_directories(mervola_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(mervola_${name} PUBLIC ${A_DEPS})
   target_precompile_headers(mervola_${name} PRIVATE <QString> <QStringList> <QVariant> <vector> <memory>)
+  mervola_batch_sources(mervola_${name})
   set(MERVOLA_AREAS ${MERVOLA_AREAS} ${name} PARENT_SCOPE)
 endfunction()
 
@@ -40,6 +50,7 @@ function(mervola_widgets_library)
     target_compile_definitions(mervola_widgets PUBLIC MERVOLA_HAVE_DATAVIS=1)
   endif()
   target_precompile_headers(mervola_widgets PRIVATE <QtWidgets/QtWidgets>)
+  mervola_batch_sources(mervola_widgets)
 endfunction()
 
 # The helpers every test uses, compiled once: tests/support/*.cpp. The
@@ -63,9 +74,27 @@ function(mervola_test_support_library)
 endfunction()
 
 # add_mervola_test(NAME SOURCES ... LIBS ... [NEEDS_GUI])
+#
+# Every test source declares its test class itself and includes its own
+# "<source>.moc". That file is made by running moc on the source alone:
+# automatic moc would first follow every include through the Qt headers,
+# about a second of processor time per test program for the same output.
 function(add_mervola_test name)
   cmake_parse_arguments(T "NEEDS_GUI" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${T_SOURCES})
+  set_target_properties(${name} PROPERTIES AUTOMOC OFF)
+  set(moc_dir ${CMAKE_CURRENT_BINARY_DIR}/${name}_moc)
+  foreach(src ${T_SOURCES})
+    get_filename_component(base ${src} NAME_WE)
+    get_filename_component(abs ${src} ABSOLUTE)
+    add_custom_command(OUTPUT ${moc_dir}/${base}.moc
+      COMMAND Qt6::moc ${abs} -o ${moc_dir}/${base}.moc
+      DEPENDS ${abs} Qt6::moc
+      COMMENT "moc ${base}.cpp" VERBATIM)
+    target_sources(${name} PRIVATE ${moc_dir}/${base}.moc)
+    set_source_files_properties(${moc_dir}/${base}.moc PROPERTIES HEADER_FILE_ONLY ON)
+  endforeach()
+  target_include_directories(${name} PRIVATE ${moc_dir})
   target_link_libraries(${name} PRIVATE ${T_LIBS} mervola_testsupport Qt6::Test)
   target_precompile_headers(${name} REUSE_FROM mervola_testsupport)
   add_test(NAME ${name} COMMAND ${name})

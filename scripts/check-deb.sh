@@ -19,7 +19,7 @@ DEB=${1:-}
 
 if [ -z "$DEB" ]; then
   bash scripts/setup.sh
-  cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+  cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
   cmake --build build -j "$(nproc)" --target mervola mervola-cli
   (cd build && cpack -G DEB)
   DEB=$(ls -t build/mervola_*.deb | head -1)

@@ -11,7 +11,7 @@ namespace mervola::map {
 
 namespace {
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
 
 }  // namespace
 
@@ -27,12 +27,12 @@ QString Column::text(int f) const
 double Column::number(int f) const
 {
     if (isNull[f])
-        return kNaN;
+        return kNoNumber;
     if (type != ColumnType::Text)
         return numbers[f];
     bool ok = false;
     const double v = texts[f].trimmed().toDouble(&ok);
-    return ok ? v : kNaN;
+    return ok ? v : kNoNumber;
 }
 
 QVariant Column::value(int f) const

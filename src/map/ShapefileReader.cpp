@@ -15,7 +15,7 @@ namespace
 
 static_assert(std::endian::native == std::endian::little, "coordinates are copied as stored (little-endian)");
 
-constexpr qint64 kHeaderSize = 100;
+constexpr qint64 kMainHeaderSize = 100;
 constexpr int kFileCode = 9994;
 constexpr qint64 kIndexEntrySize = 8;
 
@@ -64,12 +64,12 @@ std::int32_t be32(const uchar *p)
 {
     return std::int32_t(std::uint32_t(p[0]) << 24 | p[1] << 16 | p[2] << 8 | p[3]);
 }
-std::int32_t le32(const uchar *p)
+std::int32_t leInt32(const uchar *p)
 {
     return std::int32_t(p[0] | p[1] << 8 | p[2] << 16 | std::uint32_t(p[3]) << 24);
 }
 
-QString fileName(const QString &path)
+QString nameOf(const QString &path)
 {
     return QFileInfo(path).fileName();
 }
@@ -78,19 +78,19 @@ Error unreadable(const QString &path, bool theme)
 {
     const QString text =
         theme ? QStringLiteral("Impossibile aprire il tema %1") : QStringLiteral("Impossibile aprire il file %1.");
-    return Error{text.arg(fileName(path)), kReadUnreadable};
+    return Error{text.arg(nameOf(path)), kReadUnreadable};
 }
 
 Error badHeader(const QString &path)
 {
-    return Error{QStringLiteral("Il file %1 non è uno shapefile valido: intestazione danneggiata.").arg(fileName(path)),
+    return Error{QStringLiteral("Il file %1 non è uno shapefile valido: intestazione danneggiata.").arg(nameOf(path)),
                  kReadMalformed};
 }
 
 Error truncated(const QString &path, qint64 record)
 {
     return Error{QStringLiteral("Il file %1 è troncato: l'elemento %2 supera la fine del file.")
-                     .arg(fileName(path))
+                     .arg(nameOf(path))
                      .arg(record + 1),
                  kReadTruncated};
 }
@@ -98,16 +98,16 @@ Error truncated(const QString &path, qint64 record)
 Error badRecord(const QString &path, qint64 record)
 {
     return Error{
-        QStringLiteral("Il file %1 è danneggiato: l'elemento %2 non è leggibile.").arg(fileName(path)).arg(record + 1),
+        QStringLiteral("Il file %1 è danneggiato: l'elemento %2 non è leggibile.").arg(nameOf(path)).arg(record + 1),
         kReadMalformed};
 }
 
 // Checks the 100-byte header shared by .shp and .shx; returns the shape type.
 std::optional<int> headerType(const MappedFile &f)
 {
-    if (f.size() < kHeaderSize || be32(f.data()) != kFileCode || le32(f.data() + 28) != 1000)
+    if (f.size() < kMainHeaderSize || be32(f.data()) != kFileCode || leInt32(f.data() + 28) != 1000)
         return std::nullopt;
-    return le32(f.data() + 32);
+    return leInt32(f.data() + 32);
 }
 
 // Appends the shape of one record (content without the record header).
@@ -132,7 +132,7 @@ bool appendShape(LayerData &d, Family family, const uchar *c, qint64 length)
     case Family::MultiPoint: {
         if (length < 40)
             return false;
-        const qint64 n = le32(c + 36);
+        const qint64 n = leInt32(c + 36);
         if (n < 0 || 40 + 16 * n > length)
             return false;
         addPoints(c + 40, std::size_t(n));
@@ -144,7 +144,7 @@ bool appendShape(LayerData &d, Family family, const uchar *c, qint64 length)
     case Family::Polygon: {
         if (length < 44)
             return false;
-        const qint64 parts = le32(c + 36), points = le32(c + 40);
+        const qint64 parts = leInt32(c + 36), points = leInt32(c + 40);
         if (parts < 0 || points < 0 || 44 + 4 * parts + 16 * points > length)
             return false;
         if (parts == 0)
@@ -152,14 +152,14 @@ bool appendShape(LayerData &d, Family family, const uchar *c, qint64 length)
         const uchar *partStart = c + 44;
         const std::uint32_t base = std::uint32_t(d.xy.size() / 2);
         for (qint64 p = 0; p < parts; ++p) {
-            const qint64 start = le32(partStart + 4 * p);
-            const qint64 end = p + 1 < parts ? le32(partStart + 4 * (p + 1)) : points;
+            const qint64 start = leInt32(partStart + 4 * p);
+            const qint64 end = p + 1 < parts ? leInt32(partStart + 4 * (p + 1)) : points;
             if (start < 0 || start > end || end > points || (p == 0 && start != 0))
                 return false;
         }
         addPoints(partStart + 4 * parts, std::size_t(points));
         for (qint64 p = 1; p <= parts; ++p)
-            d.ringStart.push_back(base + std::uint32_t(p < parts ? le32(partStart + 4 * p) : points));
+            d.ringStart.push_back(base + std::uint32_t(p < parts ? leInt32(partStart + 4 * p) : points));
         return true;
     }
     case Family::Unsupported:
@@ -191,11 +191,11 @@ Result<std::shared_ptr<LayerData>> readShapefile(const QString &shpPath)
         return badHeader(shxPath);
     const Family family = familyOf(*type);
     if (family == Family::Unsupported)
-        return Error{QStringLiteral("Lo shapefile %1 contiene geometrie multipatch.").arg(fileName(shpPath)),
+        return Error{QStringLiteral("Lo shapefile %1 contiene geometrie multipatch.").arg(nameOf(shpPath)),
                      kReadUnsupported};
-    if ((shx.size() - kHeaderSize) % kIndexEntrySize != 0)
-        return Error{QStringLiteral("Il file %1 è troncato.").arg(fileName(shxPath)), kReadTruncated};
-    const qint64 records = (shx.size() - kHeaderSize) / kIndexEntrySize;
+    if ((shx.size() - kMainHeaderSize) % kIndexEntrySize != 0)
+        return Error{QStringLiteral("Il file %1 è troncato.").arg(nameOf(shxPath)), kReadTruncated};
+    const qint64 records = (shx.size() - kMainHeaderSize) / kIndexEntrySize;
 
     DbaseColumns table;
     const QString dbfPath = siblingFile(shpPath, "dbf");
@@ -206,9 +206,9 @@ Result<std::shared_ptr<LayerData>> readShapefile(const QString &shpPath)
         table = std::move(*read);
         if (qint64(table.deleted.size()) != records)
             return Error{QStringLiteral("La tabella %1 ha %2 record ma lo shapefile %3 ha %4 elementi.")
-                             .arg(fileName(dbfPath))
+                             .arg(nameOf(dbfPath))
                              .arg(table.deleted.size())
-                             .arg(fileName(shpPath))
+                             .arg(nameOf(shpPath))
                              .arg(records),
                          kReadMalformed};
     }
@@ -226,14 +226,14 @@ Result<std::shared_ptr<LayerData>> readShapefile(const QString &shpPath)
     for (qint64 r = 0; r < records; ++r) {
         if (!table.deleted.empty() && table.deleted[std::size_t(r)])
             continue;
-        const uchar *entry = shx.data() + kHeaderSize + r * kIndexEntrySize;
+        const uchar *entry = shx.data() + kMainHeaderSize + r * kIndexEntrySize;
         const qint64 offset = qint64(be32(entry)) * 2, length = qint64(be32(entry + 4)) * 2;
-        if (offset < kHeaderSize || length < 4)
+        if (offset < kMainHeaderSize || length < 4)
             return badRecord(shxPath, r);
         if (offset + 8 + length > shp.size())
             return truncated(shpPath, r);
         const uchar *content = data + offset + 8;
-        const int recordType = le32(content);
+        const int recordType = leInt32(content);
         if (recordType != 0 && recordType != *type)
             return badRecord(shpPath, r);
         d->beginFeature();

@@ -140,7 +140,7 @@ Result<sqlite3_stmt *> SqliteDb::prepare(const QString &sql, const QVariantList 
     return st;
 }
 
-static QVariant columnValue(sqlite3_stmt *st, int c)
+static QVariant storedValue(sqlite3_stmt *st, int c)
 {
     switch (sqlite3_column_type(st, c)) {
     case SQLITE_INTEGER: return QVariant(qlonglong(sqlite3_column_int64(st, c)));
@@ -169,7 +169,7 @@ Result<RowSet> SqliteDb::query(const QString &sql, const QVariantList &params)
     while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
         std::vector<QVariant> row(static_cast<size_t>(n));
         for (int c = 0; c < n; ++c)
-            row[size_t(c)] = columnValue(st, c);
+            row[size_t(c)] = storedValue(st, c);
         rs.rows.push_back(std::move(row));
     }
     sqlite3_finalize(st);

@@ -166,8 +166,10 @@ bool readNumber(const QString &v, double *out, int *decimals)
     const int intDigits = digitRun(v, i);
     if (intDigits == 0 || (intDigits > 1 && v[i] == QLatin1Char('0')))
         return false;
+    // Every character of `v` gives at most one of `buf`, so `buf` never
+    // fills; the bound is kept anyway.
     const auto copyDigits = [&](int from, int count) {
-        for (int k = 0; k < count; ++k)
+        for (int k = 0; k < count && len < int(sizeof buf); ++k)
             buf[len++] = char(v[from + k].unicode());
     };
     copyDigits(i, intDigits);

@@ -3,7 +3,7 @@
 #include "classify/ClassFit.h"
 #include "classify/ClassificationMethod.h"
 #include "classify/ClassifyTexts.h"
-#include "classify/ColorRamp.h"
+#include "classify/ui/QtColors.h"
 #include "classify/ui/FrmModFlx.h"
 #include "classify/ui/HistogramWidget.h"
 #include "platform/Messages.h"
@@ -29,7 +29,6 @@ namespace mervola::classify {
 
 namespace {
 
-QColor toQColor(ColorValue c) { return QColor(redOf(c), greenOf(c), blueOf(c)); }
 
 QIcon rampIcon(const RampDef &r)
 {

@@ -1,6 +1,6 @@
 #include "classify/ui/HistogramWidget.h"
 
-#include "classify/ColorRamp.h"
+#include "classify/ui/QtColors.h"
 
 #include <QPainter>
 #include <algorithm>
@@ -9,8 +9,6 @@
 namespace mervola::classify {
 
 namespace {
-
-QColor toQColor(ColorValue c) { return QColor(redOf(c), greenOf(c), blueOf(c)); }
 
 double axisOf(double v, bool logarithmic) { return histogramAxis(v, logarithmic); }
 

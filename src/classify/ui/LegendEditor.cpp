@@ -1,6 +1,6 @@
 #include "classify/ui/LegendEditor.h"
 
-#include "classify/ColorRamp.h"
+#include "classify/ui/QtColors.h"
 
 #include <QCheckBox>
 #include <QColorDialog>
@@ -13,11 +13,6 @@
 #include <QVBoxLayout>
 
 namespace mervola::classify {
-
-namespace {
-QColor toQColor(ColorValue c) { return QColor(redOf(c), greenOf(c), blueOf(c)); }
-ColorValue fromQColor(const QColor &c) { return rgbValue(c.red(), c.green(), c.blue()); }
-}  // namespace
 
 LegendEditor::LegendEditor(const LegendEntry &entry, QWidget *parent) : QDialog(parent), m_entry(entry)
 {
