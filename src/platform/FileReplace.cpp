@@ -27,9 +27,8 @@ Error writeError(const QString &path, int error)
                  error};
 }
 
-// The temporary file's content reaches the disk before it is renamed over
-// the target, so the rename never publishes a file whose data is still only
-// in memory.
+} // namespace
+
 Status flushToDisk(QFile &file, const QString &target)
 {
     errno = 0;
@@ -41,8 +40,6 @@ Status flushToDisk(QFile &file, const QString &target)
     killPoint();
     return {};
 }
-
-} // namespace
 
 QString systemErrorReason(int error)
 {
