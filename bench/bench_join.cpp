@@ -2,11 +2,13 @@
 // code, the name and 18 numbers with decimal commas) joined onto the
 // municipalities of the real atlas, from staging to the rewritten settings
 // file, as the wizard's last button runs it. Each run starts from the
-// pristine table. Also timed: reading the text table alone, and the removal.
+// pristine table. Also timed: reading the text table alone, the removal, and
+// the sweep of interrupted writes that every start runs.
 //
 //   ./bench_join                      (builds the atlas from data/sources once)
 //   MERVOLA_BENCH_HOME=/path/to/atlas-home ./bench_join
 #include "atlas/AtlasBuilder.h"
+#include "platform/WriteJournal.h"
 #include "platform/dbf/DbfTable.h"
 #include "project/JoinScript.h"
 #include "project/JoinSource.h"
@@ -143,6 +145,18 @@ void BM_RemoveJoin(benchmark::State &state)
     }
 }
 BENCHMARK(BM_RemoveJoin)->Unit(benchmark::kMillisecond);
+
+// The sweep every start runs before the window opens: the journal, then
+// the leftovers of interrupted writes in the home's five folders.
+void BM_RecoverySweepAtStart(benchmark::State &state)
+{
+    bench().restore();
+    for (auto _ : state) {
+        auto r = recoverInterruptedWrites(bench().home);
+        benchmark::DoNotOptimize(r);
+    }
+}
+BENCHMARK(BM_RecoverySweepAtStart)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

@@ -271,24 +271,23 @@ private slots:
                               QStringLiteral("comuni"), QStringLiteral("regioni")}));
     }
 
-    // Opened to the end, the same project and one of 50 MB stay within the
-    // memory a desktop user accepts; the times are printed, not judged, since
-    // a shared machine makes any wall-clock limit fail at random.
+    // Opened to the end, a project of 2,000 themes and one of 50 MB stay
+    // within the memory a desktop user accepts. A theme used to cost 86 KB
+    // of swatches, which 2,000 themes turn into 170 MB. bench_project_memory
+    // prints the times and the figures of 10,000 themes.
     void hugeProjectsOpenWithinReasonableMemory()
     {
         MessageRecorder rec;
         MainWindow w{AtlasHome(m_home), appState()};
         QVERIFY(showLoaded(w));
-        const QString many = m_dir.filePath(QStringLiteral("diecimila.rlx"));
-        QVERIFY(test::writeFile(many, manyThemes(m_home, 10000)));
+        const QString many = m_dir.filePath(QStringLiteral("duemila.rlx"));
+        QVERIFY(test::writeFile(many, manyThemes(m_home, 2000)));
         resetPeakMemory();
         const qint64 before = peakMemoryMb();
-        QElapsedTimer clock;
-        clock.start();
         QVERIFY(w.openProject(many));
-        const qint64 manyMs = clock.elapsed(), manyMb = peakMemoryMb() - before;
-        QCOMPARE(w.mapWidget()->model().layerCount(), 10000);
-        qInfo("10.000 temi: %lld ms, +%lld MB", manyMs, manyMb);
+        const qint64 manyMb = peakMemoryMb() - before;
+        QCOMPARE(w.mapWidget()->model().layerCount(), 2000);
+        qInfo("2.000 temi: +%lld MB", manyMb);
 
         // One theme whose classification line alone is 50 MB.
         QByteArray big = test::readFile(m_home + QStringLiteral("/supporto/default.rlx"));
@@ -297,18 +296,17 @@ private slots:
         QVERIFY(test::writeFile(large, big));
         resetPeakMemory();
         const qint64 base = peakMemoryMb();
-        clock.restart();
         QVERIFY(w.openProject(large));
-        const qint64 largeMs = clock.elapsed(), largeMb = peakMemoryMb() - base;
-        qInfo("50 MB: %lld ms, +%lld MB", largeMs, largeMb);
+        const qint64 largeMb = peakMemoryMb() - base;
+        qInfo("50 MB: +%lld MB", largeMb);
         QVERIFY(rec.entries().isEmpty());
         QCOMPARE(w.windowTitle(), QStringLiteral("Mervola - cinquanta"));
-        // The 10,000 settings files of the first project went with it.
+        // The 2,000 settings files of the first project went with it.
         QVERIFY(QDir(m_home + QStringLiteral("/supporto")).entryList({QStringLiteral("tema_*")}).isEmpty());
 #ifndef __SANITIZE_ADDRESS__
         // The sanitizer keeps freed memory in quarantine and pads every
         // block: its figures are printed, the program's own are judged.
-        QVERIFY2(manyMb < 300 && largeMb < 100, qPrintable(QStringLiteral("%1 MB, %2 MB").arg(manyMb).arg(largeMb)));
+        QVERIFY2(manyMb < 60 && largeMb < 100, qPrintable(QStringLiteral("%1 MB, %2 MB").arg(manyMb).arg(largeMb)));
 #endif
     }
 };
