@@ -6,22 +6,11 @@ set(MERVOLA_AREAS "")
 # The libraries compile their sources in batches of eight (one translation
 # unit each): Qt's headers and templates are then compiled once per batch,
 # not once per file, which roughly halves the libraries' compile time.
-# Sources that call GDAL stay out of the batches: mervola-cli links only the
-# objects it calls and must not get GDAL through a batch (CMakeLists.txt).
 function(mervola_batch_sources target)
   if(NOT MERVOLA_UNITY)
     return()
   endif()
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
-  get_target_property(srcs ${target} SOURCES)
-  foreach(src ${srcs})
-    if(src MATCHES "\\.cpp$")
-      file(STRINGS ${src} gdal_includes REGEX "#include [<\"](gdal|ogr|cpl)")
-      if(gdal_includes)
-        set_source_files_properties(${src} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
-      endif()
-    endif()
-  endforeach()
 endfunction()
 
 # mervola_area(NAME DEPS ...): static library from src/NAME/*.cpp (not ui/,
