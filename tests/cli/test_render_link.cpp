@@ -66,6 +66,12 @@ class TestRenderLink : public QObject
 private slots:
     void executableDoesNotLinkGdal()
     {
+#ifdef __SANITIZE_ADDRESS__
+        // AddressSanitizer registers every global of a compile batch from
+        // the batch's constructor, so the linker keeps them all: the shipped
+        // executable's links are judged in the optimised build.
+        QSKIP("links judged in the optimised build");
+#endif
         QString out;
         QCOMPARE(test::runProgram(QStringLiteral("ldd"), {QStringLiteral(MERVOLA_CLI)}, &out), 0);
         QVERIFY(out.contains(QLatin1String("libQt6Gui")));
