@@ -2,14 +2,13 @@
 
 #include "map/PngWriter.h"
 #include "map/emf/EmfDevice.h"
-#include "platform/FileReplace.h"
+#include "platform/KillPoint.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QSaveFile>
 #include <QSvgGenerator>
-#include <functional>
 
 namespace mervola::map {
 
@@ -26,37 +25,41 @@ void paintPicture(QPainter &painter, const MapModel &model, const MapRect &exten
     MapRenderer::paint(painter, model, MapTransform(extent, pixels), options);
 }
 
-// Writes a picture file the way every file of the user is written: into
-// "<path>.new", flushed to the disk, then renamed over `path`. A picture
-// that fails half-way leaves the old file as it was; a process killed
-// half-way leaves at most "<path>.new", which the next export to the same
-// file (and, in the atlas home, the next start) removes. The writer returns
-// false when the picture could not be written.
-using PictureWriter = std::function<bool(QFile &file)>;
-
-Status writePicture(const QString &path, const PictureWriter &write)
+// Opens a temporary file beside `path`; commit() renames it into place.
+// QSaveFile's temporary file has no name on Linux (O_TMPFILE) until it is
+// committed, so a process killed while it writes leaves nothing behind in
+// the user's folder, which no start-up sweep would visit.
+Status openTarget(QSaveFile &file)
 {
-    return replaceFile(path, [&](const QString &temp) -> Status {
-        QFile file(temp);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || !write(file))
-            return Status::fail(writeFailedMessage(path));
-        return flushToDisk(file, path);
-    });
+    if (!file.open(QIODevice::WriteOnly))
+        return Status::fail(writeFailedMessage(file.fileName()));
+    return {};
 }
 
-bool writeEmf(const MapModel &model, const MapRect &extent, QSize pixels, QFile &file,
-              const RenderOptions &options)
+Status commit(QSaveFile &file)
+{
+    killPoint();
+    if (!file.commit())
+        return Status::fail(writeFailedMessage(file.fileName()));
+    killPoint();
+    return {};
+}
+
+Status writeEmf(const MapModel &model, const MapRect &extent, QSize pixels, QSaveFile &file,
+                const RenderOptions &options)
 {
     emf::EmfDevice device(pixels, kVectorDpi);
     QPainter painter(&device);
     paintPicture(painter, model, extent, pixels, options);
     painter.end();
     const QByteArray bytes = device.data();
-    return !bytes.isEmpty() && file.write(bytes) == bytes.size();
+    if (bytes.isEmpty() || file.write(bytes) != bytes.size())
+        return Status::fail(writeFailedMessage(file.fileName()));
+    return {};
 }
 
-bool writeSvg(const MapModel &model, const MapRect &extent, QSize pixels, QFile &file,
-              const RenderOptions &options)
+Status writeSvg(const MapModel &model, const MapRect &extent, QSize pixels, QSaveFile &file,
+                const RenderOptions &options)
 {
     QSvgGenerator svg;
     svg.setOutputDevice(&file);
@@ -67,14 +70,14 @@ bool writeSvg(const MapModel &model, const MapRect &extent, QSize pixels, QFile 
     svg.setDescription(QStringLiteral("Mervola"));
     QPainter painter;
     if (!painter.begin(&svg))
-        return false;
+        return Status::fail(writeFailedMessage(file.fileName()));
     paintPicture(painter, model, extent, pixels, options);
     painter.end();
-    return true;
+    return {};
 }
 
-bool writePdf(const MapModel &model, const MapRect &extent, QSize pixels, QFile &file,
-              const RenderOptions &options)
+Status writePdf(const MapModel &model, const MapRect &extent, QSize pixels, QSaveFile &file,
+                const RenderOptions &options)
 {
     // One page the size of the picture at 96 dpi, no margins.
     QPdfWriter pdf(&file);
@@ -86,12 +89,12 @@ bool writePdf(const MapModel &model, const MapRect &extent, QSize pixels, QFile 
                               QPageSize::ExactMatch));
     QPainter painter;
     if (!painter.begin(&pdf))
-        return false;
+        return Status::fail(writeFailedMessage(file.fileName()));
     // The page measures whole points; scale the picture onto it exactly.
     painter.scale(double(pdf.width()) / pixels.width(), double(pdf.height()) / pixels.height());
     paintPicture(painter, model, extent, pixels, options);
     painter.end();
-    return true;
+    return {};
 }
 
 }  // namespace
@@ -130,11 +133,15 @@ Status saveImageFile(const QImage &image, const QString &path)
         return Status::fail(unsupportedFormatMessage(path));
     if (image.isNull())
         return Status::fail(writeFailedMessage(path));
-    return writePicture(path, [&](QFile &file) {
-        // A bitmap has no alpha channel: 24 bits per pixel.
-        return format == ExportFormat::Bmp ? image.convertToFormat(QImage::Format_RGB888).save(&file, "BMP")
-                                           : writePng(image, file);
-    });
+    QSaveFile file(path);
+    if (Status s = openTarget(file); !s)
+        return s;
+    // A bitmap has no alpha channel: 24 bits per pixel.
+    const bool written = format == ExportFormat::Bmp ? image.convertToFormat(QImage::Format_RGB888).save(&file, "BMP")
+                                                     : writePng(image, file);
+    if (!written)
+        return Status::fail(writeFailedMessage(path));
+    return commit(file);
 }
 
 Status exportMap(const MapModel &model, const MapRect &extent, QSize pixels, const QString &path,
@@ -148,14 +155,19 @@ Status exportMap(const MapModel &model, const MapRect &extent, QSize pixels, con
     if (*format == ExportFormat::Bmp || *format == ExportFormat::Png)
         return saveImageFile(MapRenderer::renderImage(model, extent, pixels, options), path);
 
-    return writePicture(path, [&](QFile &file) {
-        switch (*format) {
-        case ExportFormat::Emf: return writeEmf(model, extent, pixels, file, options);
-        case ExportFormat::Svg: return writeSvg(model, extent, pixels, file, options);
-        case ExportFormat::Pdf: return writePdf(model, extent, pixels, file, options);
-        default: return false;
-        }
-    });
+    QSaveFile file(path);
+    if (Status s = openTarget(file); !s)
+        return s;
+    Status written;
+    switch (*format) {
+    case ExportFormat::Emf: written = writeEmf(model, extent, pixels, file, options); break;
+    case ExportFormat::Svg: written = writeSvg(model, extent, pixels, file, options); break;
+    case ExportFormat::Pdf: written = writePdf(model, extent, pixels, file, options); break;
+    default: break;
+    }
+    if (!written)
+        return written;  // the temporary file is discarded with `file`
+    return commit(file);
 }
 
 }  // namespace mervola::map

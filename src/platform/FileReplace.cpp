@@ -27,8 +27,9 @@ Error writeError(const QString &path, int error)
                  error};
 }
 
-} // namespace
-
+// The temporary file's content reaches the disk before it is renamed over
+// the target, so the rename never publishes a file whose data is still only
+// in memory.
 Status flushToDisk(QFile &file, const QString &target)
 {
     errno = 0;
@@ -40,6 +41,8 @@ Status flushToDisk(QFile &file, const QString &target)
     killPoint();
     return {};
 }
+
+} // namespace
 
 QString systemErrorReason(int error)
 {

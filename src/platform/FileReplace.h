@@ -10,7 +10,6 @@
 #include "platform/Result.h"
 
 #include <QByteArray>
-#include <QFile>
 #include <QString>
 #include <functional>
 
@@ -34,11 +33,6 @@ Status writeFileReplacing(const QString &target, const QByteArray &bytes, const 
 
 // Copies `source` over `target` (through target + ".new").
 Status copyFileReplacing(const QString &source, const QString &target);
-
-// Flushes an open temporary file of `target` to the disk, so that renaming
-// it over `target` never publishes content still only in memory. Failures
-// name `target`.
-Status flushToDisk(QFile &file, const QString &target);
 
 // Renames `from` over `to`, replacing it in one step.
 Status renameOver(const QString &from, const QString &to);
