@@ -10,6 +10,7 @@
 #include "app/AppState.h"
 #include "app/ui/MainWindow.h"
 #include "map/ui/MapWidget.h"
+#include "support/LargeProjects.h"
 
 #include <QApplication>
 #include <QDir>
@@ -36,45 +37,16 @@ bool writeAll(const QString &path, const QByteArray &bytes)
     return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
 }
 
-// Peak resident memory since the last resetPeak(), in MB.
-qint64 peakMb()
-{
-    const QByteArray status = readAll(QStringLiteral("/proc/self/status"));
-    const int at = status.indexOf("VmHWM:");
-    if (at < 0)
-        return -1;
-    return status.mid(at + 6, status.indexOf('\n', at) - at - 6).trimmed().split(' ').value(0).toLongLong() / 1024;
-}
-
-void resetPeak()
-{
-    writeAll(QStringLiteral("/proc/self/clear_refs"), "5");
-}
-
-// A project of `count` themes, each the provincial capitals under its own name.
-QByteArray manyThemes(const QString &home, int count)
-{
-    QStringList lines{QStringLiteral("[RLX]"), QStringLiteral("DBFCOMMONT=^"),
-                      QStringLiteral("EXTENT=313323^3933845^1312015^5220293^")};
-    for (int i = 0; i < count; ++i) {
-        const QString name = QStringLiteral("tema_%1").arg(i, 5, 10, QLatin1Char('0'));
-        lines << QLatin1Char('[') + name + QLatin1Char(']') << QStringLiteral("JOIN=-1^-1^-1^-1^-1^-1^")
-              << QStringLiteral("WORKSPACE=") + home + QStringLiteral("/italia/")
-              << QStringLiteral("BASE=citta.shp^") + name + QLatin1Char('^') << QStringLiteral("VISIBILE=1");
-    }
-    return lines.join(QLatin1Char('\n')).toUtf8();
-}
-
 bool opened(MainWindow &w, const QString &path, const char *what)
 {
     QApplication::processEvents();
-    resetPeak();
-    const qint64 before = peakMb();
+    test::resetPeakMemory();
+    const qint64 before = test::peakMemoryMb();
     QElapsedTimer clock;
     clock.start();
     const bool ok = w.openProject(path);
     const qint64 ms = clock.elapsed();
-    std::printf("%-28s %8lld ms %+8lld MB%s\n", what, ms, peakMb() - before, ok ? "" : "  (non aperto)");
+    std::printf("%-28s %8lld ms %+8lld MB%s\n", what, ms, test::peakMemoryMb() - before, ok ? "" : "  (non aperto)");
     return ok;
 }
 
@@ -104,10 +76,10 @@ int main(int argc, char **argv)
     {
         QByteArray big = readAll(root + QStringLiteral("/supporto/default.rlx"));
         big.replace("CLASSIFICAZIONE=0", "CLASSIFICAZIONE=" + QByteArray(50 * 1024 * 1024, '7'));
-        if (!writeAll(many, manyThemes(root, themes)) || !writeAll(large, big))
+        if (!writeAll(many, test::manyThemes(root, themes)) || !writeAll(large, big))
             return 1;
     }
-    resetPeak();
+    test::resetPeakMemory();
 
     MainWindow w{AtlasHome(root), appState()};
     if (!w.load()) {
@@ -117,7 +89,7 @@ int main(int argc, char **argv)
     w.resize(1000, 700);
     w.show();
     QApplication::processEvents();
-    std::printf("finestra aperta sull'Italia: picco %lld MB\n", peakMb());
+    std::printf("finestra aperta sull'Italia: picco %lld MB\n", test::peakMemoryMb());
     const QByteArray label = QByteArray::number(themes) + " temi";
     if (!opened(w, many, label.constData()) || w.mapWidget()->model().layerCount() != themes)
         return 1;

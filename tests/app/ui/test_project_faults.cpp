@@ -6,6 +6,7 @@
 #include "map/ui/MapWidget.h"
 #include "platform/Messages.h"
 #include "platform/ui/LegendView.h"
+#include "support/LargeProjects.h"
 #include "support/MountSupport.h"
 #include "support/UiSupport.h"
 
@@ -22,6 +23,9 @@
 #include <QtTest>
 
 using namespace mervola;
+using mervola::test::manyThemes;
+using mervola::test::peakMemoryMb;
+using mervola::test::resetPeakMemory;
 using mervola::test::showLoaded;
 
 namespace
@@ -85,34 +89,6 @@ QStringList filesUnder(const QString &dir, const QStringList &filters = {})
         out << it.next();
     out.sort();
     return out;
-}
-
-// Peak resident memory of this process since the last resetPeakMemory(), in MB.
-qint64 peakMemoryMb()
-{
-    const QByteArray status = test::readFile(QStringLiteral("/proc/self/status"));
-    const int at = status.indexOf("VmHWM:");
-    return at < 0 ? -1
-                  : status.mid(at + 6, status.indexOf('\n', at) - at - 6).trimmed().split(' ').value(0).toLongLong() /
-                        1024;
-}
-void resetPeakMemory()
-{
-    test::writeFile(QStringLiteral("/proc/self/clear_refs"), "5");
-}
-
-// A project of `count` themes drawn from the provincial capitals.
-QByteArray manyThemes(const QString &home, int count)
-{
-    QStringList lines{QStringLiteral("[RLX]"), QStringLiteral("DBFCOMMONT=^"),
-                      QStringLiteral("EXTENT=313323^3933845^1312015^5220293^")};
-    for (int i = 0; i < count; ++i) {
-        const QString name = QStringLiteral("tema_%1").arg(i, 5, 10, QLatin1Char('0'));
-        lines << QLatin1Char('[') + name + QLatin1Char(']') << QStringLiteral("JOIN=-1^-1^-1^-1^-1^-1^")
-              << QStringLiteral("WORKSPACE=") + home + QStringLiteral("/italia/")
-              << QStringLiteral("BASE=citta.shp^") + name + QLatin1Char('^') << QStringLiteral("VISIBILE=1");
-    }
-    return lines.join(QLatin1Char('\n')).toUtf8();
 }
 
 } // namespace
