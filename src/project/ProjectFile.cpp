@@ -180,15 +180,24 @@ Result<ProjectContent> readProjectFile(const QString &path, const std::function<
     ProjectParser parser;
     bool first = true;
     int lines = 0;
+    // One buffer for every line: a line is at most kProjectLineLimit bytes
+    // plus the terminating zero readLine() adds.
+    QByteArray buffer(kProjectLineLimit + 1, Qt::Uninitialized);
     while (!f.atEnd()) {
-        QByteArray bytes = f.readLine(kProjectLineLimit);
+        qint64 n = f.readLine(buffer.data(), buffer.size());
+        if (n < 0)
+            break;
         // The rest of an overlong line is skipped.
-        if (!bytes.endsWith('\n'))
-            while (!f.atEnd() && !f.readLine(kProjectLineLimit).endsWith('\n')) {
-            }
-        while (bytes.endsWith('\n') || bytes.endsWith('\r'))
-            bytes.chop(1);
-        QString line = decodeLine(bytes);
+        if (n > 0 && buffer.at(n - 1) != '\n') {
+            char rest[4096];
+            qint64 m = 0;
+            do {
+                m = f.readLine(rest, sizeof rest);
+            } while (m > 0 && rest[m - 1] != '\n');
+        }
+        while (n > 0 && (buffer.at(n - 1) == '\n' || buffer.at(n - 1) == '\r'))
+            --n;
+        QString line = decodeLine(QByteArray::fromRawData(buffer.constData(), n));
         if (first && line.startsWith(QChar(0xFEFF)))
             line.remove(0, 1);
         first = false;
